@@ -1,0 +1,36 @@
+// Makes a transport's table: each slot is a plain function that runs a feature on the transport.
+#pragma once
+
+#include "dispatch/port_impl.h"
+#include "dispatch/port_operations.h"
+#include "dispatch/transport.h"
+#include "status/queries.h"
+#include "text/print_text.h"
+
+/// Stands in operations.def for a feature that a slot does not have.
+inline constexpr std::nullptr_t unbuilt = nullptr;
+
+/// `Bound<transport, feature>::slot` is the feature as a function of the port name and the
+/// operation's own arguments; null for `unbuilt`.
+template <const Transport& transport, auto feature>
+struct Bound {
+  static constexpr std::nullptr_t slot = nullptr;
+};
+
+template <const Transport& transport, typename Result, typename... Arguments,
+          Result (*feature)(const Transport&, Arguments...)>
+struct Bound<transport, feature> {
+  static Result slot(Arguments... arguments) { return feature(transport, arguments...); }
+};
+
+template <const Transport& transport>
+PortImpl table_of() {
+  transport.registry.forget_all();
+  return PortImpl{
+#define TZV_OPERATION(name, feature, parameters, arguments) .name = Bound<transport, feature>::slot,
+#define TZV_INTERNAL(name, feature, result, parameters) .name = Bound<transport, feature>::slot,
+#include "dispatch/operations.def"
+#undef TZV_OPERATION
+#undef TZV_INTERNAL
+  };
+}

@@ -1,0 +1,28 @@
+// What opening, writing, reading and closing a port have in common on every link.
+#pragma once
+
+#include "dispatch/transport.h"
+
+// The operations of the table.
+
+long match_port_name(const Transport& transport, const char* portName);
+long open_port(const Transport& transport, const char* portName, const char* portSettings);
+long write_port(const Transport& transport, const char* portName, const char* writeBuffer,
+                long length);
+long read_port(const Transport& transport, const char* portName, char* readBuffer, long length);
+long close_port(const Transport& transport, const char* portName);
+void release_ports(const Transport& transport);
+
+/// 0 when the name begins with one of the prefixes, else -3.
+long match_prefixes(std::span<const std::string_view> prefixes, const char* portName);
+
+// The two ways in which features send; `port` is an open port.
+
+/// Sends at once, past any transaction. The count sent (the link may fall short), or -2 when the
+/// printer is in an error state (nothing is sent) or the link failed.
+long guarded_write(const Transport& transport, PortIndex port, std::string_view bytes);
+
+/// Everything that belongs on the receipt goes this way. While a transaction or reprint mode is
+/// on, the bytes are collected instead: their count, or -2 when they do not fit any more (what
+/// is held stays). Otherwise a guarded write.
+long buffered_write(const Transport& transport, PortIndex port, std::string_view bytes);
