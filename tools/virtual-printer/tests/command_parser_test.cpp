@@ -1,0 +1,172 @@
+#include "command_parser.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace virtual_printer {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using namespace std::string_view_literals;
+
+std::vector<Decoded> decode(std::string_view bytes) {
+  CommandParser parser;
+  auto decoded = parser.feed(bytes);
+  for (auto& item : parser.finish()) decoded.push_back(item);
+  return decoded;
+}
+
+Decoded command(CommandKind kind, int argument = 0) {
+  return Command{kind, static_cast<std::uint8_t>(argument)};
+}
+
+Decoded text(char character) {
+  return command(CommandKind::kText, character);
+}
+
+Decoded unknown(std::size_t offset, std::string_view bytes) {
+  return UnknownBytes{offset, std::string(bytes)};
+}
+
+struct Row {
+  const char* name;
+  std::string_view bytes;
+  Decoded expected;
+};
+
+TEST(CommandParser, knows_each_command) {
+  const std::vector<Row> rows{
+      {"initialise", "\x1b@", command(CommandKind::kInitialize)},
+      {"emphasis by digit",
+       "\x1b"
+       "E1",
+       command(CommandKind::kEmphasis, 1)},
+      {"emphasis by value",
+       "\x1b"
+       "E\x01",
+       command(CommandKind::kEmphasis, 1)},
+      {"underline of two dots", "\x1b-2", command(CommandKind::kUnderline, 2)},
+      {"underline off by value", "\x1b-\0"sv, command(CommandKind::kUnderline, 0)},
+      {"print mode", "\x1b!F", command(CommandKind::kPrintMode, 0x46)},
+      {"print mode that is a digit", "\x1b!0", command(CommandKind::kPrintMode, 0x30)},
+      {"colour", "\x1br0", command(CommandKind::kColour, 0)},
+      {"right alignment",
+       "\x1b"
+       "a2",
+       command(CommandKind::kAlignment, 2)},
+      {"line spacing",
+       "\x1b"
+       "3<",
+       command(CommandKind::kLineSpacing, 60)},
+      {"line spacing that is a digit",
+       "\x1b"
+       "31",
+       command(CommandKind::kLineSpacing, 0x31)},
+      {"default line spacing",
+       "\x1b"
+       "2",
+       command(CommandKind::kDefaultLineSpacing)},
+      {"partial cut", "\x1bm", command(CommandKind::kPartialCut)},
+      {"full cut", "\x1bi", command(CommandKind::kFullCut)},
+      {"sensor query", "\x1b#SENSOR", command(CommandKind::kSensorQuery)},
+      {"reverse by digit",
+       "\x1d"
+       "B0",
+       command(CommandKind::kReverse, 0)},
+      {"reverse by value",
+       "\x1d"
+       "B\x01",
+       command(CommandKind::kReverse, 1)},
+      {"character size", "\x1d!\x11", command(CommandKind::kCharacterSize, 0x11)},
+      {"automatic status",
+       "\x1d"
+       "a\xff",
+       command(CommandKind::kAutomaticStatus, 0xff)},
+      {"real-time status", "\x10\x04\x02", command(CommandKind::kRealTimeStatus, 2)},
+      {"line feed", "\n", command(CommandKind::kLineFeed)},
+      {"carriage return", "\r", command(CommandKind::kCarriageReturn)},
+      {"tab", "\t", command(CommandKind::kTab)},
+      {"upper half of the code page", "\x84", command(CommandKind::kText, 0x84)},
+  };
+  for (const Row& row : rows) EXPECT_THAT(decode(row.bytes), ElementsAre(row.expected)) << row.name;
+}
+
+TEST(CommandParser, every_split_gives_the_same_commands) {
+  constexpr std::string_view kBytes =
+      "\x1b@\x1b"
+      "E0\x1b-0\x1b!F\x1d"
+      "B0\x1b"
+      "a0\x1b"
+      "3<ab\x1b|cA\x10\x04\x04\x1b#SENSOR"
+      "\x1b#SENT\x1d(\x01\x1b\x1b\x1bm\x10\x07\n\x1b"sv;
+  const auto whole = decode(kBytes);
+  for (std::size_t first = 0; first <= kBytes.size(); ++first) {
+    for (std::size_t second = first; second <= kBytes.size(); ++second) {
+      CommandParser parser;
+      std::vector<Decoded> pieces;
+      for (const auto piece :
+           {kBytes.substr(0, first), kBytes.substr(first, second - first), kBytes.substr(second)}) {
+        for (auto& item : parser.feed(piece)) pieces.push_back(item);
+      }
+      for (auto& item : parser.finish()) pieces.push_back(item);
+      ASSERT_EQ(pieces, whole) << "split at " << first << " and " << second;
+    }
+  }
+}
+
+TEST(CommandParser, unfinished_command_waits_for_its_rest) {
+  CommandParser parser;
+  EXPECT_THAT(parser.feed("\x1b#SEN"), IsEmpty());
+  EXPECT_THAT(parser.feed("SOR"), ElementsAre(command(CommandKind::kSensorQuery)));
+}
+
+TEST(CommandParser, unfinished_command_at_the_end_is_unknown) {
+  EXPECT_THAT(decode("A\x1b"
+                     "a"),
+              ElementsAre(text('A'), unknown(1,
+                                             "\x1b"
+                                             "a")));
+  EXPECT_THAT(decode("\x1d"), ElementsAre(unknown(0, "\x1d")));
+}
+
+TEST(CommandParser, unknown_command_is_introducer_and_letter) {
+  EXPECT_THAT(decode("ab\x1b|lA"),
+              ElementsAre(text('a'), text('b'), unknown(2, "\x1b|"), text('l'), text('A')));
+}
+
+TEST(CommandParser, stray_escape_leaves_the_next_command_alone) {
+  EXPECT_THAT(decode("\x1b\x1bm"),
+              ElementsAre(unknown(0, "\x1b"), command(CommandKind::kPartialCut)));
+  EXPECT_THAT(decode("\x1b\n"), ElementsAre(unknown(0, "\x1b"), command(CommandKind::kLineFeed)));
+}
+
+TEST(CommandParser, argument_out_of_range_is_unknown) {
+  EXPECT_THAT(decode("\x1b"
+                     "a3"),
+              ElementsAre(unknown(0,
+                                  "\x1b"
+                                  "a"),
+                          text('3')));
+  EXPECT_THAT(decode("\x10\x04\x05"),
+              ElementsAre(unknown(0, "\x10"), unknown(1, "\x04"), unknown(2, "\x05")));
+}
+
+TEST(CommandParser, stray_control_bytes_are_unknown_one_by_one) {
+  EXPECT_THAT(decode("\0\x7f\x01"sv),
+              ElementsAre(unknown(0, "\0"sv), unknown(1, "\x7f"), unknown(2, "\x01")));
+}
+
+TEST(CommandParser, offsets_count_over_all_feeds) {
+  CommandParser parser;
+  parser.feed(
+      "12345\x1b"
+      "E1");
+  EXPECT_THAT(parser.feed("\x02"), ElementsAre(unknown(8, "\x02")));
+}
+
+}  // namespace
+}  // namespace virtual_printer

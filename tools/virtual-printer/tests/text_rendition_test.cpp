@@ -1,0 +1,36 @@
+#include "text_rendition.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "paper.h"
+
+namespace virtual_printer {
+namespace {
+
+TEST(TextRendition, keeps_lines_and_feeds) {
+  EXPECT_EQ(text_of(printed("a\n\nb")), "a\n\nb\n");
+}
+
+TEST(TextRendition, alignment_is_spaces_over_42_columns) {
+  EXPECT_EQ(text_of(printed(std::string(kRight) + "abc")), std::string(39, ' ') + "abc\n");
+  EXPECT_EQ(text_of(printed(std::string(kCentre) + "Hello")), std::string(18, ' ') + "Hello\n");
+}
+
+TEST(TextRendition, alignment_of_font_b_is_spaces_over_56_columns) {
+  EXPECT_EQ(text_of(printed(std::string(kFontBOn) + std::string(kRight) + "abc")),
+            std::string(53, ' ') + "abc\n");
+}
+
+TEST(TextRendition, wide_characters_stay_plain_characters) {
+  EXPECT_EQ(text_of(printed(std::string(kDoubleWidthOn) + std::string(kRight) + "abc")),
+            std::string(36, ' ') + "abc\n");
+}
+
+TEST(TextRendition, code_page_becomes_utf8) {
+  EXPECT_EQ(text_of(printed("\x84\xe1\xc4\xdb\xff")), "\u00e4\u00df\u2500\u2588\u00a0\n");
+}
+
+}  // namespace
+}  // namespace virtual_printer
