@@ -1,0 +1,25 @@
+// Receipts as files: receipt-001.png and receipt-001.txt, and so on.
+#pragma once
+
+#include <filesystem>
+
+#include "printer.h"
+#include "receipt.h"
+
+namespace virtual_printer {
+
+class ReceiptFiles {
+ public:
+  explicit ReceiptFiles(std::filesystem::path directory) : directory_(std::move(directory)) {}
+
+  // Writes both files under the next free number; returns the picture's path.
+  std::filesystem::path write(const Receipt& receipt, PaperEnd end);
+
+ private:
+  bool is_taken(int number) const;
+
+  std::filesystem::path directory_;
+  int last_number_ = 0;
+};
+
+}  // namespace virtual_printer
