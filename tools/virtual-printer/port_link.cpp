@@ -1,0 +1,100 @@
+#include "port_link.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+
+namespace virtual_printer {
+namespace {
+
+constexpr std::string_view kTerminalFolder = "/dev/pts/";
+
+Descriptor open_printer_end() {
+  Descriptor end(check(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC),
+                       "cannot make a pseudo-terminal"));
+  check(grantpt(end.number()), "cannot grant the pseudo-terminal");
+  check(unlockpt(end.number()), "cannot unlock the pseudo-terminal");
+  return end;
+}
+
+std::string device_of(const Descriptor& printer_end) {
+  std::array<char, 128> name{};
+  if (ptsname_r(printer_end.number(), name.data(), name.size()) != 0) {
+    check(-1, "cannot name the pseudo-terminal");
+  }
+  return name.data();
+}
+
+// A printer's line carries bytes: no echo, no line editing, no translation of line ends.
+void make_raw(const Descriptor& end) {
+  termios settings{};
+  check(tcgetattr(end.number(), &settings), "cannot read the line's settings");
+  cfmakeraw(&settings);
+  check(tcsetattr(end.number(), TCSANOW, &settings), "cannot set the line");
+}
+
+// A link into the terminals' folder whose terminal is gone: only a printer that could not tidy up
+// leaves such a thing.
+bool is_stale_link(const std::string& name) {
+  std::error_code error;
+  const std::string target = std::filesystem::read_symlink(name, error).string();
+  return !error && target.starts_with(kTerminalFolder) && !std::filesystem::exists(target);
+}
+
+}  // namespace
+
+PortLink::PortLink() : printer_end_(open_printer_end()), device_(device_of(printer_end_)) {
+  till_end_ = Descriptor(
+      check(open(device_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "cannot open " + device_));
+  make_raw(till_end_);
+}
+
+std::string PortLink::read_waiting() {
+  std::array<char, 4096> buffer;
+  ssize_t length;
+  do {
+    length = ::read(descriptor(), buffer.data(), buffer.size());
+  } while (length < 0 && errno == EINTR);
+  if (length < 0 && errno == EAGAIN) return {};
+  check(static_cast<int>(length), "cannot read the line");
+  return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+std::size_t PortLink::write(std::string_view bytes) {
+  ssize_t length;
+  do {
+    length = ::write(descriptor(), bytes.data(), bytes.size());
+  } while (length < 0 && errno == EINTR);
+  if (length < 0 && errno == EAGAIN) return 0;
+  return static_cast<std::size_t>(check(static_cast<int>(length), "cannot write to the line"));
+}
+
+void refuse_taken_name(const std::string& name) {
+  std::error_code error;
+  const auto status = std::filesystem::symlink_status(name, error);
+  if (!std::filesystem::exists(status)) return;
+  if (is_stale_link(name)) {
+    check(unlink(name.c_str()), "cannot remove the stale link " + name);
+    return;
+  }
+  throw NameTaken(name +
+                  " exists already and is not replaced; give another name with --port, or "
+                  "remove it if nothing needs it");
+}
+
+PortName::PortName(std::string name, const std::string& device)
+    : name_(std::move(name)), device_(device) {
+  check(symlink(device_.c_str(), name_.c_str()), "cannot make " + name_);
+}
+
+// Only our own link goes: somebody may have put another in its place meanwhile.
+PortName::~PortName() {
+  std::error_code error;
+  if (std::filesystem::read_symlink(name_, error) == device_ && !error) unlink(name_.c_str());
+}
+
+}  // namespace virtual_printer

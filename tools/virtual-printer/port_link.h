@@ -1,0 +1,54 @@
+// The printer's end of the line: a pseudo-terminal, and the name under which the till finds it.
+// A link over TCP would be a second class with the same reads and writes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "descriptor.h"
+
+namespace virtual_printer {
+
+class PortLink {
+ public:
+  PortLink();
+
+  int descriptor() const { return printer_end_.number(); }
+  const std::string& device() const { return device_; }
+
+  // What has come, without waiting; empty when nothing waits.
+  std::string read_waiting();
+
+  // How many bytes the line took: fewer than given when nobody reads the answers.
+  std::size_t write(std::string_view bytes);
+
+ private:
+  Descriptor printer_end_;
+  // Held open so that the line stays up, and stays raw, from one user to the next.
+  Descriptor till_end_;
+  std::string device_;
+};
+
+// A name in /dev that leads to a device, for as long as this object lives.
+class PortName {
+ public:
+  // Throws std::system_error when the name cannot be made, NameTaken when it is somebody's.
+  PortName(std::string name, const std::string& device);
+  PortName(const PortName&) = delete;
+  PortName& operator=(const PortName&) = delete;
+  ~PortName();
+
+ private:
+  std::string name_;
+  std::string device_;
+};
+
+class NameTaken : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Nothing but a link that an earlier printer left behind may be replaced.
+void refuse_taken_name(const std::string& name);
+
+}  // namespace virtual_printer
