@@ -30,12 +30,15 @@ Ready wait_for_dsr(int descriptor, SilenceBudget& budget) {
   return Ready::no;
 }
 
-/// Writes once and waits until it is on the line. The count written, or -1.
+constexpr long kCallFailed = -1;
+constexpr long kLineFull = -2;
+
+/// Writes once and waits until it is on the line. The count written, `kLineFull` or `kCallFailed`.
 long write_and_drain(int descriptor, std::string_view bytes) {
   const ssize_t written =
       retry_interrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
-  if (written == -1) return -1;
-  if (retry_interrupted([&] { return tcdrain(descriptor); }) == -1) return -1;
+  if (written == -1) return errno == EAGAIN ? kLineFull : kCallFailed;
+  if (retry_interrupted([&] { return tcdrain(descriptor); }) == -1) return kCallFailed;
   return static_cast<long>(written);
 }
 
@@ -76,7 +79,15 @@ long SerialWritePort(PortIndex port, std::string_view bytes) {
       piece = first_of(piece, kHandshakePiece);
     }
     const long count = write_and_drain(descriptor, piece);
-    if (count < 0) return kRefused;
+    if (count == kCallFailed) return kRefused;
+    if (count == kLineFull) {
+      // The descriptor does not block, and a line that cannot be drained (a pseudo-terminal) may
+      // be full. That is no failure until the printer has taken nothing for the whole budget.
+      pause_ms(kPollPause);
+      budget.spend(kPollPause);
+      if (budget.exhausted()) return kRefused;
+      continue;
+    }
     if (count > 0) budget.restore();
     written += static_cast<std::size_t>(count);
   }

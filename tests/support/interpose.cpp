@@ -1,0 +1,123 @@
+// The calls that the library makes, defined by the test program: for a plugged device they go to
+// the scripted kernel, for everything else to libc.
+#include <dlfcn.h>
+#include <sys/types.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdarg>
+
+#include "support/name_alias.h"
+#include "support/scripted_kernel.h"
+
+namespace {
+
+using testkit::Kernel;
+
+Kernel& kernel() {
+  return Kernel::instance();
+}
+
+/// libc's own definition of a function.
+template <typename Function>
+Function* real(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+  if (kernel().active() && kernel().knows(path)) return kernel().open(path, flags);
+  va_list arguments;
+  va_start(arguments, flags);
+  const auto mode = static_cast<mode_t>(va_arg(arguments, int));
+  va_end(arguments);
+  static const auto libc = real<int(const char*, int, ...)>("open");
+  return libc(testkit::device_behind(path), flags, mode);
+}
+
+int close(int descriptor) {
+  if (kernel().owns(descriptor)) return kernel().close(descriptor);
+  static const auto libc = real<int(int)>("close");
+  return libc(descriptor);
+}
+
+ssize_t read(int descriptor, void* buffer, size_t size) {
+  if (kernel().owns(descriptor)) return kernel().read(descriptor, buffer, size);
+  static const auto libc = real<ssize_t(int, void*, size_t)>("read");
+  return libc(descriptor, buffer, size);
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t size) {
+  if (kernel().owns(descriptor)) return kernel().write(descriptor, bytes, size);
+  static const auto libc = real<ssize_t(int, const void*, size_t)>("write");
+  return libc(descriptor, bytes, size);
+}
+
+int ioctl(int descriptor, unsigned long request, ...) noexcept {
+  va_list arguments;
+  va_start(arguments, request);
+  void* argument = va_arg(arguments, void*);
+  va_end(arguments);
+  if (kernel().owns(descriptor)) return kernel().ioctl(descriptor, request, argument);
+  static const auto libc = real<int(int, unsigned long, ...)>("ioctl");
+  return libc(descriptor, request, argument);
+}
+
+int tcgetattr(int descriptor, termios* line) noexcept {
+  if (kernel().owns(descriptor)) return kernel().tcgetattr(descriptor, line);
+  static const auto libc = real<int(int, termios*)>("tcgetattr");
+  return libc(descriptor, line);
+}
+
+int tcsetattr(int descriptor, int actions, const termios* line) noexcept {
+  if (kernel().owns(descriptor)) return kernel().tcsetattr(descriptor, actions, line);
+  static const auto libc = real<int(int, int, const termios*)>("tcsetattr");
+  return libc(descriptor, actions, line);
+}
+
+int tcflush(int descriptor, int queue) noexcept {
+  if (kernel().owns(descriptor)) return kernel().tcflush(descriptor, queue);
+  static const auto libc = real<int(int, int)>("tcflush");
+  return libc(descriptor, queue);
+}
+
+int tcdrain(int descriptor) {
+  if (kernel().owns(descriptor)) return kernel().tcdrain(descriptor);
+  static const auto libc = real<int(int)>("tcdrain");
+  return libc(descriptor);
+}
+
+int cfsetispeed(termios* line, speed_t speed) noexcept {
+  if (kernel().active() && kernel().fails("cfsetispeed")) return -1;
+  static const auto libc = real<int(termios*, speed_t)>("cfsetispeed");
+  return libc(line, speed);
+}
+
+int cfsetospeed(termios* line, speed_t speed) noexcept {
+  if (kernel().active() && kernel().fails("cfsetospeed")) return -1;
+  static const auto libc = real<int(termios*, speed_t)>("cfsetospeed");
+  return libc(line, speed);
+}
+
+int usleep(useconds_t microseconds) {
+  if (!kernel().active()) {
+    static const auto libc = real<int(useconds_t)>("usleep");
+    return libc(microseconds);
+  }
+  kernel().sleep_us("usleep", microseconds);
+  return 0;
+}
+
+unsigned int sleep(unsigned int seconds) {
+  if (!kernel().active()) {
+    static const auto libc = real<unsigned int(unsigned int)>("sleep");
+    return libc(seconds);
+  }
+  kernel().sleep_us("sleep", int64_t{seconds} * 1000000);
+  return 0;
+}
+
+}  // extern "C"

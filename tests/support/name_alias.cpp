@@ -1,0 +1,29 @@
+#include "support/name_alias.h"
+
+#include <map>
+
+namespace testkit {
+
+namespace {
+
+std::map<std::string, std::string, std::less<>>& aliases() {
+  static std::map<std::string, std::string, std::less<>> names;
+  return names;
+}
+
+}  // namespace
+
+NameAlias::NameAlias(std::string name, std::string device) : name_(std::move(name)) {
+  aliases()[name_] = std::move(device);
+}
+
+NameAlias::~NameAlias() {
+  aliases().erase(name_);
+}
+
+const char* device_behind(const char* path) {
+  const auto alias = aliases().find(path);
+  return alias == aliases().end() ? path : alias->second.c_str();
+}
+
+}  // namespace testkit

@@ -1,0 +1,249 @@
+#include "support/scripted_kernel.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace testkit {
+
+namespace {
+
+// Above what a test program opens itself, below what select() can hold.
+constexpr int kFirstDescriptor = 700;
+
+std::string describe_flags(int flags) {
+  std::string text = (flags & O_ACCMODE) == O_RDWR ? "RDWR" : "?";
+  if ((flags & O_NOCTTY) != 0) text += "|NOCTTY";
+  if ((flags & O_NONBLOCK) != 0) text += "|NONBLOCK";
+  const int others = flags & ~(O_ACCMODE | O_NOCTTY | O_NONBLOCK);
+  return others == 0 ? text : text + "|others";
+}
+
+std::string describe_queue(int queue) {
+  switch (queue) {
+    case TCIFLUSH:
+      return "input";
+    case TCOFLUSH:
+      return "output";
+    case TCIOFLUSH:
+      return "both";
+    default:
+      return "?";
+  }
+}
+
+}  // namespace
+
+std::string hex(std::string_view bytes) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (!text.empty()) text += ' ';
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+std::string Call::line() const {
+  std::string text = name;
+  if (!detail.empty()) text += " " + detail;
+  if (result != 0) text += " = " + std::to_string(result);
+  return text;
+}
+
+void SerialDevice::answer(std::string_view query, std::string_view reply, int64_t delay_ms) {
+  answers_.push_back({std::string(query), std::string(reply), delay_ms});
+}
+
+void SerialDevice::answer_ready() {
+  answer({"\x10\x04\x02", 3}, "\x12");
+  answer({"\x10\x04\x04", 3}, "\x12");
+}
+
+Kernel& Kernel::instance() {
+  static Kernel kernel;
+  return kernel;
+}
+
+void Kernel::reset(bool active) {
+  active_ = active;
+  now_us_ = 0;
+  next_descriptor_ = kFirstDescriptor;
+  devices_.clear();
+  descriptors_.clear();
+  faults_.clear();
+  events_.clear();
+  calls_.clear();
+}
+
+SerialDevice& Kernel::plug(const std::string& path) {
+  auto& device = devices_[path];
+  device = std::make_unique<SerialDevice>();
+  return *device;
+}
+
+void Kernel::fail(const std::string& name, int error, int nth) {
+  faults_.push_back({name, nth, error, 0});
+}
+
+void Kernel::shorten(const std::string& name, std::size_t bytes, int nth) {
+  faults_.push_back({name, nth, 0, bytes});
+}
+
+void Kernel::at(int64_t ms, std::function<void()> action) {
+  events_.emplace(ms * 1000, std::move(action));
+}
+
+std::vector<std::string> Kernel::log(std::string_view name) const {
+  std::vector<std::string> lines;
+  for (const Call& call : calls_) {
+    if (name.empty() || call.name == name) lines.push_back(call.line());
+  }
+  return lines;
+}
+
+Kernel::Fault Kernel::take_fault(std::string_view name) {
+  Fault met{{}, 0, 0, 0};
+  for (Fault& fault : faults_) {
+    if (fault.name == name && --fault.countdown == 0) met = fault;
+  }
+  std::erase_if(faults_, [](const Fault& fault) { return fault.countdown <= 0; });
+  return met;
+}
+
+long Kernel::record(std::string_view name, std::string detail, long result,
+                    std::string_view bytes) {
+  calls_.push_back({std::string(name), std::move(detail), result, now_ms(), std::string(bytes)});
+  return result;
+}
+
+bool Kernel::fault(std::string_view name, const std::string& detail, const Fault& fault) {
+  if (fault.error == 0) return false;
+  record(name, detail, -1);
+  errno = fault.error;
+  return true;
+}
+
+bool Kernel::fails(std::string_view name) {
+  const Fault met = take_fault(name);
+  return fault(name, "", met);
+}
+
+int Kernel::open(const char* path, int flags) {
+  const std::string detail = std::string(path) + " " + describe_flags(flags);
+  if (fault("open", detail, take_fault("open"))) return -1;
+  const int descriptor = next_descriptor_++;
+  descriptors_[descriptor] = path;
+  return static_cast<int>(record("open", detail, descriptor));
+}
+
+int Kernel::close(int descriptor) {
+  // As on Linux, a descriptor is gone even when closing it reports an error.
+  const Fault met = take_fault("close");
+  descriptors_.erase(descriptor);
+  if (fault("close", std::to_string(descriptor), met)) return -1;
+  return static_cast<int>(record("close", std::to_string(descriptor), 0));
+}
+
+ssize_t Kernel::read(int descriptor, void* buffer, std::size_t size) {
+  const Fault met = take_fault("read");
+  const std::string detail = std::to_string(size);
+  if (fault("read", detail, met)) return -1;
+  std::string& input = device(descriptor).input;
+  if (input.empty()) {
+    record("read", detail, -1);
+    errno = EAGAIN;
+    return -1;
+  }
+  std::size_t count = std::min(size, input.size());
+  if (met.countdown == 0 && !met.name.empty()) count = std::min(count, met.at_most);
+  std::memcpy(buffer, input.data(), count);
+  const std::string moved = input.substr(0, count);
+  input.erase(0, count);
+  return record("read", detail, static_cast<long>(count), moved);
+}
+
+ssize_t Kernel::write(int descriptor, const void* bytes, std::size_t size) {
+  const Fault met = take_fault("write");
+  const std::string_view given(static_cast<const char*>(bytes), size);
+  if (fault("write", hex(given), met)) return -1;
+  SerialDevice& device = this->device(descriptor);
+  const std::string taken(met.name.empty() ? given : given.substr(0, met.at_most));
+  device.output += taken;
+  device.writes.push_back(taken);
+  for (const SerialDevice::Answer& answer : device.answers_) {
+    if (answer.query != taken) continue;
+    if (answer.delay_ms == 0) {
+      device.input += answer.reply;
+    } else {
+      at(now_ms() + answer.delay_ms, [&device, reply = answer.reply] { device.input += reply; });
+    }
+  }
+  record("write", hex(given), static_cast<long>(taken.size()), taken);
+  if (device.on_write) device.on_write();
+  return static_cast<ssize_t>(taken.size());
+}
+
+int Kernel::ioctl(int descriptor, unsigned long request, void* argument) {
+  const std::string name = request == FIONREAD   ? "FIONREAD"
+                           : request == TIOCMGET ? "TIOCMGET"
+                                                 : "ioctl " + std::to_string(request);
+  if (fault(name, "", take_fault(name))) return -1;
+  const SerialDevice& device = this->device(descriptor);
+  int* value = static_cast<int*>(argument);
+  if (request == FIONREAD) {
+    *value = static_cast<int>(device.input.size());
+  } else if (request == TIOCMGET) {
+    *value = device.modem_lines;
+  } else {
+    record(name, "", -1);
+    errno = ENOTTY;
+    return -1;
+  }
+  return static_cast<int>(record(name, std::to_string(*value), 0));
+}
+
+int Kernel::tcgetattr(int descriptor, termios* line) {
+  if (fault("tcgetattr", "", take_fault("tcgetattr"))) return -1;
+  *line = device(descriptor).line;
+  return static_cast<int>(record("tcgetattr", "", 0));
+}
+
+int Kernel::tcsetattr(int descriptor, int actions, const termios* line) {
+  const std::string detail = actions == TCSANOW ? "now" : "?";
+  if (fault("tcsetattr", detail, take_fault("tcsetattr"))) return -1;
+  device(descriptor).line = *line;
+  return static_cast<int>(record("tcsetattr", detail, 0));
+}
+
+int Kernel::tcflush(int descriptor, int queue) {
+  if (fault("tcflush", describe_queue(queue), take_fault("tcflush"))) return -1;
+  if (queue != TCOFLUSH) device(descriptor).input.clear();
+  return static_cast<int>(record("tcflush", describe_queue(queue), 0));
+}
+
+int Kernel::tcdrain(int) {
+  if (fault("tcdrain", "", take_fault("tcdrain"))) return -1;
+  return static_cast<int>(record("tcdrain", "", 0));
+}
+
+void Kernel::sleep_us(std::string_view name, int64_t microseconds) {
+  record(name, std::to_string(microseconds), 0);
+  run_events_until(now_us_ + microseconds);
+}
+
+void Kernel::run_events_until(int64_t us) {
+  while (!events_.empty() && events_.begin()->first <= us) {
+    auto event = events_.extract(events_.begin());
+    now_us_ = std::max(now_us_, event.key());
+    event.mapped()();
+  }
+  now_us_ = us;
+}
+
+}  // namespace testkit

@@ -1,0 +1,143 @@
+// A kernel under the test's control.
+//
+// The test program defines open(), write(), ioctl(), usleep() and the other calls that the library
+// makes (interpose.cpp); the dynamic linker prefers the program's definitions to libc's. A call on
+// a device that a test has plugged in, or on a descriptor opened for one, is played by the
+// `Kernel` here; every other call goes on to libc. So a test can see each call in order, let any
+// of them fail, shorten or stall, and sleep for six seconds in no time.
+//
+//   Kernel& kernel = Kernel::instance();           // reset by the fixture before each test
+//   SerialDevice& printer = kernel.plug("/dev/ttyS0");
+//   printer.answer("\x10\x04\x02", "\x12");        // replies to that very write
+//   kernel.fail("tcsetattr", EIO);                 // the next tcsetattr fails
+//   OpenPort("/dev/ttyS0", "9600,none,8,1,none");
+//   EXPECT_THAT(kernel.log("tcsetattr"), ElementsAre("tcsetattr now = -1"));
+//
+// The clock stands still but for sleeps. What is scheduled with `at()` happens when a sleep passes
+// its time, in order.
+#pragma once
+
+#include <termios.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace testkit {
+
+/// One call that the library made.
+struct Call {
+  std::string name;    ///< "open", "write", ...
+  std::string detail;  ///< path, bytes in hex, request; empty when there is nothing to tell
+  long result = 0;
+  int64_t at_ms = 0;  ///< the clock when it was made
+  std::string bytes;  ///< what a write or read moved
+
+  /// "name detail = result", without " = 0".
+  std::string line() const;
+};
+
+/// A serial line with a printer behind it. Everything is public to the test.
+class SerialDevice {
+ public:
+  termios line{};                   ///< the terminal attributes, as last set
+  int modem_lines = 0;              ///< TIOCM_... bits
+  std::string output;               ///< all bytes written so far
+  std::string input;                ///< bytes that wait to be read
+  std::vector<std::string> writes;  ///< the same as `output`, write by write
+  std::function<void()> on_write;   ///< runs after each write
+
+  /// Whenever one write consists of exactly `query`, `reply` arrives `delay_ms` later.
+  void answer(std::string_view query, std::string_view reply, int64_t delay_ms = 0);
+  /// Forgets all answers: the printer is mute.
+  void mute() { answers_.clear(); }
+  /// Answers an open as a printer that is ready.
+  void answer_ready();
+
+ private:
+  friend class Kernel;
+  struct Answer {
+    std::string query, reply;
+    int64_t delay_ms;
+  };
+  std::vector<Answer> answers_;
+};
+
+class Kernel {
+ public:
+  static Kernel& instance();
+
+  /// Forgets devices, descriptors, faults, calls and the clock. `active` turns the clock on: only
+  /// then are sleeps virtual.
+  void reset(bool active);
+
+  SerialDevice& plug(const std::string& path);
+
+  /// The `nth` next call of that name fails with `error`, without any effect.
+  void fail(const std::string& name, int error, int nth = 1);
+  /// The `nth` next call of that name moves at most `bytes` bytes.
+  void shorten(const std::string& name, std::size_t bytes, int nth = 1);
+
+  /// Does something when the clock reaches that many milliseconds.
+  void at(int64_t ms, std::function<void()> action);
+
+  int64_t now_ms() const { return now_us_ / 1000; }
+  const std::vector<Call>& calls() const { return calls_; }
+  void forget_calls() { calls_.clear(); }
+  /// The lines of all calls, or of those with that name.
+  std::vector<std::string> log(std::string_view name = {}) const;
+  std::size_t count(std::string_view name) const { return log(name).size(); }
+  std::size_t open_descriptors() const { return descriptors_.size(); }
+
+  // What interpose.cpp calls.
+
+  bool active() const { return active_; }
+  bool knows(const char* path) const { return devices_.contains(path); }
+  bool owns(int descriptor) const { return descriptors_.contains(descriptor); }
+  int open(const char* path, int flags);
+  int close(int descriptor);
+  ssize_t read(int descriptor, void* buffer, std::size_t size);
+  ssize_t write(int descriptor, const void* bytes, std::size_t size);
+  int ioctl(int descriptor, unsigned long request, void* argument);
+  int tcgetattr(int descriptor, termios* line);
+  int tcsetattr(int descriptor, int actions, const termios* line);
+  int tcflush(int descriptor, int queue);
+  int tcdrain(int descriptor);
+  void sleep_us(std::string_view name, int64_t microseconds);
+  /// Takes note of a call without a device; true when it is to fail, with errno set.
+  bool fails(std::string_view name);
+
+ private:
+  struct Fault {
+    std::string name;
+    int countdown;
+    int error;  // 0: shorten
+    std::size_t at_most;
+  };
+
+  SerialDevice& device(int descriptor) { return *devices_.at(descriptors_.at(descriptor)); }
+  /// The fault that this call meets; none when there is no such name.
+  Fault take_fault(std::string_view name);
+  long record(std::string_view name, std::string detail, long result, std::string_view bytes = {});
+  /// Records the call; true when a fault makes it fail.
+  bool fault(std::string_view name, const std::string& detail, const Fault& fault);
+  void run_events_until(int64_t us);
+
+  bool active_ = false;
+  int64_t now_us_ = 0;
+  int next_descriptor_ = 0;
+  std::map<std::string, std::unique_ptr<SerialDevice>, std::less<>> devices_;
+  std::map<int, std::string> descriptors_;
+  std::vector<Fault> faults_;
+  std::multimap<int64_t, std::function<void()>> events_;
+  std::vector<Call> calls_;
+};
+
+/// "1B 40" and so on.
+std::string hex(std::string_view bytes);
+
+}  // namespace testkit
