@@ -1,12 +1,15 @@
 #include "receipt_files.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <cstdio>
 #include <fstream>
 #include <stdexcept>
 #include <string>
-#include <system_error>
+#include <utility>
 
+#include "descriptor.h"
 #include "drawing.h"
 #include "png.h"
 #include "text_rendition.h"
@@ -31,6 +34,11 @@ void write_file(const std::filesystem::path& path, const std::string& content) {
 
 }  // namespace
 
+ReceiptFiles::ReceiptFiles(std::filesystem::path directory) : directory_(std::move(directory)) {
+  std::filesystem::create_directories(directory_);
+  check(access(directory_.c_str(), W_OK | X_OK), "cannot write receipts to " + directory_.string());
+}
+
 // A number counts as taken by any of its four files, so that picture and text always belong
 // together and nothing of an earlier run is overwritten.
 bool ReceiptFiles::is_taken(int number) const {
@@ -43,7 +51,6 @@ bool ReceiptFiles::is_taken(int number) const {
 }
 
 std::filesystem::path ReceiptFiles::write(const Receipt& receipt, PaperEnd end) {
-  std::filesystem::create_directories(directory_);
   do {
     ++last_number_;
   } while (is_taken(last_number_));

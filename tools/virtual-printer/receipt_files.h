@@ -10,7 +10,9 @@ namespace virtual_printer {
 
 class ReceiptFiles {
  public:
-  explicit ReceiptFiles(std::filesystem::path directory) : directory_(std::move(directory)) {}
+  // Makes the directory if it is missing; throws when it cannot hold receipts, rather than when
+  // the first of them is printed.
+  explicit ReceiptFiles(std::filesystem::path directory);
 
   // Writes both files under the next free number; returns the picture's path.
   std::filesystem::path write(const Receipt& receipt, PaperEnd end);

@@ -36,11 +36,11 @@ TEST(ReceiptFiles, counts_past_files_of_every_kind) {
   EXPECT_EQ(content_of(folder.path() / "receipt-004-uncut.txt"), "b\n");
 }
 
-TEST(ReceiptFiles, folder_that_cannot_be_made_is_an_error) {
+TEST(ReceiptFiles, folder_that_cannot_be_made_is_an_error_at_once) {
   const TemporaryFolder folder;
   std::ofstream(folder.path() / "file").close();
-  ReceiptFiles files(folder.path() / "file");
-  EXPECT_THROW(files.write(printed("a"), PaperEnd::kCut), std::runtime_error);
+  EXPECT_THROW(ReceiptFiles(folder.path() / "file"), std::runtime_error);
+  EXPECT_THROW(ReceiptFiles(folder.path() / "file" / "new"), std::runtime_error);
 }
 
 }  // namespace
