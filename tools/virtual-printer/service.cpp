@@ -9,6 +9,10 @@
 namespace virtual_printer {
 namespace {
 
+// More than the kernel keeps for a reader of a terminal. Whoever sends without end must not keep
+// the printer from ending.
+constexpr std::size_t kMostThatWaits = 256 * 1024;
+
 std::string hex_of(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {
@@ -53,14 +57,19 @@ void Service::wait() const {
   }
 }
 
-void Service::print_waiting_bytes() {
-  for (std::string bytes = link_.read_waiting(); !bytes.empty(); bytes = link_.read_waiting()) {
-    printer_.receive(bytes);
-  }
+std::size_t Service::print_waiting_bytes() {
+  const std::string bytes = link_.read_waiting();
+  printer_.receive(bytes);
+  return bytes.size();
 }
 
 void Service::finish() {
-  print_waiting_bytes();
+  std::size_t total = 0;
+  while (total < kMostThatWaits) {
+    const std::size_t length = print_waiting_bytes();
+    if (length == 0) break;
+    total += length;
+  }
   printer_.finish();
   if (unknown_count_ > 0) std::fprintf(stderr, "unknown commands in all: %zu\n", unknown_count_);
 }

@@ -34,7 +34,7 @@ class Service : private PrinterListener {
   void deliver(const Receipt& receipt, PaperEnd end) override;
 
   void wait() const;
-  void print_waiting_bytes();
+  std::size_t print_waiting_bytes();  // one read's worth, so that signals are seen between
   void finish();
 
   PortLink& link_;
