@@ -43,6 +43,8 @@ std::string check_port_name(const std::string& name) {
 }
 
 void describe(CLI::App& app, Options& options) {
+  // The last of several counts, so that a script's defaults can be overridden.
+  app.option_defaults()->take_last();
   app.add_option("--port", options.port, "Name of the port to print to")
       ->check(CLI::Validator(check_port_name, "/dev/ttyS..."))
       ->capture_default_str();
@@ -91,7 +93,6 @@ std::unique_ptr<PortName> name_port(const Options& options, const std::string& d
 int run(const Options& options) {
   SignalQueue signals({SIGINT, SIGTERM, SIGHUP, SIGCHLD});
   std::signal(SIGPIPE, SIG_IGN);  // a reader of our lines that goes away must not end the printer
-  refuse_taken_name(options.port);
   PortLink link;
   const auto name = name_port(options, link.device());
   Service service(link, signals, options.output);

@@ -38,11 +38,22 @@ void make_raw(const Descriptor& end) {
 }
 
 // A link into the terminals' folder whose terminal is gone: only a printer that could not tidy up
-// leaves such a thing.
-bool is_stale_link(const std::string& name) {
+// leaves such a thing. The number of its terminal may have come to us meanwhile.
+bool is_left_behind(const std::string& name, const std::string& device) {
   std::error_code error;
   const std::string target = std::filesystem::read_symlink(name, error).string();
-  return !error && target.starts_with(kTerminalFolder) && !std::filesystem::exists(target);
+  return !error && target.starts_with(kTerminalFolder) &&
+         (target == device || !std::filesystem::exists(target));
+}
+
+void make_room_for(const std::string& name, const std::string& device) {
+  if (!std::filesystem::exists(std::filesystem::symlink_status(name))) return;
+  if (!is_left_behind(name, device)) {
+    throw NameTaken(name +
+                    " exists already and is not replaced; give another name with --port, or "
+                    "remove it if nothing needs it");
+  }
+  check(unlink(name.c_str()), "cannot replace the stale link " + name);
 }
 
 }  // namespace
@@ -73,21 +84,9 @@ std::size_t PortLink::write(std::string_view bytes) {
   return static_cast<std::size_t>(check(static_cast<int>(length), "cannot write to the line"));
 }
 
-void refuse_taken_name(const std::string& name) {
-  std::error_code error;
-  const auto status = std::filesystem::symlink_status(name, error);
-  if (!std::filesystem::exists(status)) return;
-  if (is_stale_link(name)) {
-    check(unlink(name.c_str()), "cannot remove the stale link " + name);
-    return;
-  }
-  throw NameTaken(name +
-                  " exists already and is not replaced; give another name with --port, or "
-                  "remove it if nothing needs it");
-}
-
-PortName::PortName(std::string name, const std::string& device)
-    : name_(std::move(name)), device_(device) {
+PortName::PortName(std::string name, std::string device)
+    : name_(std::move(name)), device_(std::move(device)) {
+  make_room_for(name_, device_);
   check(symlink(device_.c_str(), name_.c_str()), "cannot make " + name_);
 }
 

@@ -2,6 +2,8 @@
 // A link over TCP would be a second class with the same reads and writes.
 #pragma once
 
+#include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -29,11 +31,18 @@ class PortLink {
   std::string device_;
 };
 
+// The name exists and is somebody's.
+class NameTaken : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // A name in /dev that leads to a device, for as long as this object lives.
 class PortName {
  public:
-  // Throws std::system_error when the name cannot be made, NameTaken when it is somebody's.
-  PortName(std::string name, const std::string& device);
+  // Replaces nothing but a link that an earlier printer left behind, and throws NameTaken for
+  // anything else; throws std::system_error when the system refuses the name.
+  PortName(std::string name, std::string device);
   PortName(const PortName&) = delete;
   PortName& operator=(const PortName&) = delete;
   ~PortName();
@@ -42,13 +51,5 @@ class PortName {
   std::string name_;
   std::string device_;
 };
-
-class NameTaken : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// Nothing but a link that an earlier printer left behind may be replaced.
-void refuse_taken_name(const std::string& name);
 
 }  // namespace virtual_printer

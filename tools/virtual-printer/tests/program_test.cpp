@@ -225,9 +225,25 @@ TEST_F(ProgramTest, ordinary_user_without_a_command_is_told_what_to_do) {
   EXPECT_THAT(outcome.errors, HasSubstr("-- COMMAND"));
 }
 
+TEST_F(ProgramTest, endless_sender_does_not_keep_the_printer_from_ending) {
+  // The port is opened before the sender goes into the background: opened later, the name may be
+  // gone, and the shell would make a file of it.
+  const Outcome outcome = run_script("exec 3>$port; yes >&3 2>/dev/null & exit 4");
+  EXPECT_EQ(outcome.status, 4);
+}
+
+TEST_F(ProgramTest, folder_that_cannot_be_made_is_an_error_before_the_command_runs) {
+  const Outcome outcome = run_script("echo started", {"--output", "/dev/null/receipts"});
+  EXPECT_EQ(outcome.status, kOwnFailure);
+  EXPECT_EQ(outcome.out, "");
+}
+
 TEST_F(ProgramTest, name_must_be_a_serial_ports) {
-  EXPECT_EQ(finish(start({"--port", "/tmp/port", "--", "true"})).status, 2);
-  EXPECT_EQ(finish(start({"--port", "/dev/ttyS/../null", "--", "true"})).status, 2);
+  for (const std::string name : {"/tmp/port", "/dev/ttyS", "/dev/ttyS/../null"}) {
+    const Outcome outcome = finish(start({"--port", name, "--", "true"}));
+    EXPECT_EQ(outcome.status, 2) << name;
+    EXPECT_THAT(outcome.errors, HasSubstr("must begin with /dev/ttyS")) << name;
+  }
 }
 
 TEST_F(ProgramTest, command_mark_needs_a_command) {
@@ -303,6 +319,14 @@ TEST_F(SharedNameTest, second_printer_leaves_the_name_to_the_first) {
 TEST_F(SharedNameTest, stale_link_is_replaced) {
   fs::create_symlink("/dev/pts/999999", port_);
   EXPECT_EQ(run_script("true").status, 0);
+}
+
+TEST_F(SharedNameTest, stale_link_is_no_obstacle_to_an_ordinary_user) {
+  if (!ordinary_users_have_namespaces()) GTEST_SKIP() << "users may not make namespaces here";
+  fs::create_symlink("/dev/pts/999999", port_);
+  EXPECT_EQ(run_script("printf 'a\n' >$port", {}, User::kOrdinary).status, 0);
+  EXPECT_EQ(content_of(in_folder("receipt-001-uncut.txt")), "a\n");
+  EXPECT_EQ(fs::read_symlink(port_), "/dev/pts/999999");
 }
 
 TEST_F(SharedNameTest, foreign_file_is_left_alone) {
