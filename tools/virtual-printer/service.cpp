@@ -9,9 +9,9 @@
 namespace virtual_printer {
 namespace {
 
-// More than the kernel keeps for a reader of a terminal. Whoever sends without end must not keep
-// the printer from ending.
-constexpr std::size_t kMostThatWaits = 256 * 1024;
+// More than the kernel keeps for a pseudo-terminal's reader (12 KiB). Whoever sends without end
+// must not keep the printer from ending.
+constexpr std::size_t kMostThatWaits = 32768;
 
 std::string hex_of(std::string_view bytes) {
   std::string text;

@@ -228,7 +228,9 @@ TEST_F(ProgramTest, ordinary_user_without_a_command_is_told_what_to_do) {
 TEST_F(ProgramTest, endless_sender_does_not_keep_the_printer_from_ending) {
   // The port is opened before the sender goes into the background: opened later, the name may be
   // gone, and the shell would make a file of it.
-  const Outcome outcome = run_script("exec 3>$port; yes >&3 2>/dev/null & exit 4");
+  const Outcome outcome =
+      run_script("exec 3>$port; yes 'without end' >&3 2>/dev/null &\nuntil [ -e " +
+                 in_folder("receipt-001-uncut.png").string() + " ]; do :; done; exit 4");
   EXPECT_EQ(outcome.status, 4);
 }
 
