@@ -102,7 +102,7 @@ TEST(CommandParser, every_split_gives_the_same_commands) {
       "B0\x1b"
       "a0\x1b"
       "3<ab\x1b|cA\x10\x04\x04\x1b#SENSOR"
-      "\x1b#SENT\x1d(\x01\x1b\x1b\x1bm\x10\x07\n\x1b"sv;
+      "\x1b#SENT\x1d(\x1cq\x1c\x01\x1b\x1b\x1bm\x10\x07\n\x1b"sv;
   const auto whole = decode(kBytes);
   for (std::size_t first = 0; first <= kBytes.size(); ++first) {
     for (std::size_t second = first; second <= kBytes.size(); ++second) {
