@@ -20,7 +20,7 @@ struct AcceptedRow {
 };
 
 void PrintTo(const AcceptedRow& row, std::ostream* out) {
-  *out << row.name << ": \"" << row.settings << '"';
+  *out << row.name;
 }
 
 class AcceptedSettings : public testing::TestWithParam<AcceptedRow> {};
@@ -92,7 +92,7 @@ struct RefusedRow {
 };
 
 void PrintTo(const RefusedRow& row, std::ostream* out) {
-  *out << row.name << ": \"" << row.settings << '"';
+  *out << row.name;
 }
 
 class RefusedSettings : public testing::TestWithParam<RefusedRow> {};
