@@ -715,4 +715,152 @@ TEST(KnownSequences, with_two_modifiers_are_reverse_only) {
   }
 }
 
+// ------------------------------------------------------------------ feeds and cuts
+
+struct SettingsRow {
+  const char* name;
+  TextSettings settings;
+  std::string text;
+  std::string output;  ///< after what stands before the text
+};
+
+void PrintTo(const SettingsRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    line_feeds, Sequences,
+    testing::Values(SequenceRow{"one_without_number", "\x1b|lF", "\n"},
+                    SequenceRow{"one_for_0", "\x1b|0lF", "\n"},
+                    SequenceRow{"one", "\x1b|1lF", "\n"},
+                    SequenceRow{"three", "\x1b|3lF", "\n\n\n"},
+                    SequenceRow{"three_hundred", "\x1b|300lF", std::string(300, '\n')},
+                    SequenceRow{"zeros_before", "\x1b|0002lF", "\n\n"},
+                    SequenceRow{"looks_stay", "\x1b|uC\x1b|3hC\x1b|2lF\x1b|2vC",
+                                hex("1b 2d 31 1b 21 20") + "\n\n" + hex("1b 21 50 1b 2d 31")}),
+    RowName());
+
+// Every pass doubles the spacing again, and only its low byte is sent: applications have adjusted
+// their receipts to it.
+INSTANTIATE_TEST_SUITE_P(
+    unit_feeds_in_dots, Sequences,
+    testing::Values(
+        SequenceRow{"no_dots_without_number", "\x1b|uF", hex("1b 33 01 0a 1b 33 3c")},
+        SequenceRow{"no_dots", "\x1b|0uF", hex("1b 33 01 0a 1b 33 3c")},
+        SequenceRow{"dots_1", "\x1b|1uF", hex("1b 33 02 0a 1b 33 3c")},
+        SequenceRow{"dots_20", "\x1b|20uF", hex("1b 33 28 0a 1b 33 3c")},
+        SequenceRow{"dots_49", "\x1b|49uF", hex("1b 33 62 0a 1b 33 3c")},
+        SequenceRow{"dots_50_are_one_pass", "\x1b|50uF", hex("1b 33 64 0a 1b 33 3c")},
+        SequenceRow{"dots_51_are_two", "\x1b|51uF", hex("1b 33 cc 0a 1b 33 98 0a 1b 33 3c")},
+        SequenceRow{"dots_60", "\x1b|60uF", hex("1b 33 f0 0a 1b 33 e0 0a 1b 33 3c")},
+        SequenceRow{"dots_99", "\x1b|99uF", hex("1b 33 8c 0a 1b 33 18 0a 1b 33 3c")},
+        SequenceRow{"dots_100", "\x1b|100uF", hex("1b 33 90 0a 1b 33 20 0a 1b 33 40 0a 1b 33 3c")},
+        SequenceRow{"dots_127", "\x1b|127uF", hex("1b 33 fc 0a 1b 33 f8 0a 1b 33 f0 0a 1b 33 3c")},
+        SequenceRow{"dots_128", "\x1b|128uF", hex("1b 33 00 0a 1b 33 00 0a 1b 33 00 0a 1b 33 3c")},
+        SequenceRow{"dots_150", "\x1b|150uF",
+                    hex("1b 33 58 0a 1b 33 b0 0a 1b 33 60 0a 1b 33 c0 0a 1b 33 3c")},
+        SequenceRow{"two_feeds", "\x1b|20uF\x1b|60uF",
+                    hex("1b 33 28 0a 1b 33 3c") + hex("1b 33 f0 0a 1b 33 e0 0a 1b 33 3c")}),
+    RowName());
+
+/// The feed of one pass.
+std::string pass(const char* argument) {
+  return hex("1b 33") + hex(argument) + "\n";
+}
+
+// 4000 = 125 * 2^5: after 27 doublings nothing of it is left, and 1 takes its place.
+TEST(UnitFeed, spacing_that_wraps_to_nothing_in_a_pass_becomes_1_and_doubles_on) {
+  expect_output("\x1b|2000uF", kPrologue + pass("40") + pass("80") + times(24, pass("00")) +
+                                   pass("01") + pass("02") + pass("04") + pass("08") + pass("10") +
+                                   pass("20") + pass("40") + pass("80") + times(6, pass("00")) +
+                                   pass("00") + hex("1b 33 3c"));
+}
+
+// 3002 = 1501 * 2: after 30 passes 2^31 is left, and the doubling after the last makes it nothing.
+TEST(UnitFeed, spacing_that_wraps_to_nothing_at_the_end_becomes_1) {
+  expect_output("\x1b|1501uF", kPrologue + pass("74") + pass("e8") + pass("d0") + pass("a0") +
+                                   pass("40") + pass("80") + times(24, pass("00")) + pass("01") +
+                                   hex("1b 33 3c"));
+}
+
+class FeedsWithSettings : public testing::TestWithParam<SettingsRow> {};
+
+TEST_P(FeedsWithSettings, feed_and_cut) {
+  TextSettings settings = GetParam().settings;
+  settings.line_chars = 0;
+  const std::string spacing = settings.rotated ? "" : kDefaultSpacing;
+  // The line spacing is the same 30 dots in whatever unit.
+  switch (settings.map_mode) {
+    case TZV_MAP_TWIPS:
+      settings.line_spacing = 240;
+      break;
+    case TZV_MAP_ENGLISH:
+      settings.line_spacing = 167;
+      break;
+    case TZV_MAP_METRIC:
+      settings.line_spacing = 423;
+      break;
+    default:
+      break;
+  }
+  expect_output(GetParam().text, spacing + GetParam().output, settings);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    unit_feeds_in_other_units, FeedsWithSettings,
+    testing::Values(SettingsRow{"a_sixth_of_an_inch", with_map_mode(TZV_MAP_TWIPS), "\x1b|240uF",
+                                hex("1b 33 3c 0a 1b 33 3c")},
+                    SettingsRow{"twips_of_50_4_dots", with_map_mode(TZV_MAP_TWIPS), "\x1b|403uF",
+                                hex("1b 33 64 0a 1b 33 3c")},
+                    SettingsRow{"twips_of_50_54_dots", with_map_mode(TZV_MAP_TWIPS), "\x1b|404uF",
+                                hex("1b 33 cc 0a 1b 33 98 0a 1b 33 3c")},
+                    SettingsRow{"an_inch", with_map_mode(TZV_MAP_TWIPS), "\x1b|1440uF",
+                                hex("1b 33 d0 0a 1b 33 a0 0a 1b 33 40 0a 1b 33 80 0a 1b 33 3c")},
+                    SettingsRow{"inches_of_24_4993_dots", with_map_mode(TZV_MAP_ENGLISH),
+                                "\x1b|136uF", hex("1b 33 30 0a 1b 33 3c")},
+                    SettingsRow{"millimetres_of_9_504_dots", with_map_mode(TZV_MAP_METRIC),
+                                "\x1b|134uF", hex("1b 33 14 0a 1b 33 3c")},
+                    SettingsRow{"millimetres_of_less_than_half_a_dot",
+                                with_map_mode(TZV_MAP_METRIC), "\x1b|7uF",
+                                hex("1b 33 01 0a 1b 33 3c")}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    rotated_text, FeedsWithSettings,
+    testing::Values(SettingsRow{"units_are_not_fed", rotated(),
+                                "a\x1b|60uF\x1b|uF"
+                                "b",
+                                "ab"},
+                    SettingsRow{"not_even_the_greatest_number", rotated(), "\x1b|2147483647uF", ""},
+                    SettingsRow{"lines_are_fed", rotated(), "\x1b|2lF", "\n\n"},
+                    SettingsRow{"paper_is_cut", rotated(), "\x1b|fP", "\n\n\n\n\n\x1bm"}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    cuts, FeedsWithSettings,
+    testing::Values(
+        SettingsRow{"without_number", kDefaults, "\x1b|P", "\x1bm"},
+        SettingsRow{"percent_0", kDefaults, "\x1b|0P", "\x1bm"},
+        SettingsRow{"percent_50", kDefaults, "\x1b|50P", "\x1bm"},
+        SettingsRow{"percent_100", kDefaults, "\x1b|100P", "\x1bm"},
+        SettingsRow{"percent_too_great_for_32_bits", kDefaults, "\x1b|9999999999P", "\x1bm"},
+        SettingsRow{"feed_5_and_cut", kDefaults, "\x1b|fP", "\n\n\n\n\n\x1bm"},
+        SettingsRow{"percent_does_not_feed", kDefaults, "\x1b|90fP", "\n\n\n\n\n\x1bm"},
+        SettingsRow{"feed_nothing_and_cut", with_lines_to_paper_cut(0), "\x1b|fP", "\x1bm"},
+        SettingsRow{"feed_1_and_cut", with_lines_to_paper_cut(1), "\x1b|fP", "\n\x1bm"},
+        SettingsRow{"feed_300_and_cut", with_lines_to_paper_cut(300), "\x1b|fP",
+                    std::string(300, '\n') + "\x1bm"},
+        SettingsRow{"negative_feeds_nothing", with_lines_to_paper_cut(-1), "\x1b|fP", "\x1bm"},
+        SettingsRow{"most_negative_feeds_nothing", with_lines_to_paper_cut(kMin), "\x1b|fP",
+                    "\x1bm"}),
+    RowName());
+
+TEST(UnitFeed, of_a_unit_that_does_not_exist_is_no_dots) {
+  for (const int32_t map_mode : {4, -1, 256, kMax, kMin}) {
+    TextSettings settings = with_map_mode(map_mode);
+    settings.line_chars = 0;
+    expect_output("\x1b|9999999999uF", hex("1b 33 01") + hex("1b 33 01 0a 1b 33 3c"), settings);
+  }
+}
+
 }  // namespace
