@@ -863,4 +863,192 @@ TEST(UnitFeed, of_a_unit_that_does_not_exist_is_no_dots) {
   }
 }
 
+// ------------------------------------------------------------------ other fonts
+
+class Fonts : public testing::TestWithParam<SettingsRow> {};
+
+TEST_P(Fonts, are_part_of_the_mode) {
+  const Translation result = translation(GetParam().text, GetParam().settings);
+  const Translation nothing = translation("", GetParam().settings);
+  EXPECT_THAT(result.output, BytesAre(nothing.output + GetParam().output));
+}
+
+const char* const kEveryMode = "\x1b|1C\x1b|2C\x1b|3C\x1b|4C\x1b|1hC\x1b|1vC\x1b|2hC\x1b|2vC";
+const std::string kEveryModeOfTheFirstFont =
+    hex("1b 21 40 1b 21 60 1b 21 50 1b 21 70 1b 21 50 1b 21 40 1b 21 60 1b 21 70");
+const std::string kEveryModeOfTheSecondFont =
+    hex("1b 21 41 1b 21 61 1b 21 51 1b 21 71 1b 21 51 1b 21 41 1b 21 61 1b 21 71");
+
+INSTANTIATE_TEST_SUITE_P(
+    every_mode, Fonts,
+    testing::Values(
+        SettingsRow{"columns_42", with_line_chars(42), kEveryMode, kEveryModeOfTheFirstFont},
+        SettingsRow{"columns_33", with_line_chars(33), kEveryMode, kEveryModeOfTheFirstFont},
+        SettingsRow{"columns_56", with_line_chars(56), kEveryMode, kEveryModeOfTheSecondFont},
+        SettingsRow{"columns_40", with_line_chars(40), kEveryMode, kEveryModeOfTheSecondFont},
+        SettingsRow{"other_columns", with_line_chars(48), kEveryMode, kEveryModeOfTheFirstFont}),
+    RowName());
+
+const char* const kLooksThenNormal = "\x1b|bC\x1b|4C\x1b|2uC\x1b|N\x1b|1hC";
+const std::string kLooks = hex("1b 45 31 1b 21 78 1b 2d 32 1b 61 30 1b 45 30 1b 2d 30");
+const std::string kLooksOfTheSecondFont =
+    hex("1b 45 31 1b 21 79 1b 2d 32 1b 61 30 1b 45 30 1b 2d 30");
+
+INSTANTIATE_TEST_SUITE_P(
+    back_to_normal, Fonts,
+    testing::Values(SettingsRow{"normal_42", with_line_chars(42), kLooksThenNormal,
+                                kLooks + hex("1b 21 40 1b 21 40")},
+                    SettingsRow{"normal_33", with_line_chars(33), kLooksThenNormal,
+                                kLooks + hex("1b 21 40 1b 21 40")},
+                    SettingsRow{"normal_56", with_line_chars(56), kLooksThenNormal,
+                                kLooksOfTheSecondFont + hex("1b 21 41 1b 21 41")},
+                    SettingsRow{"normal_40", with_line_chars(40), kLooksThenNormal,
+                                kLooksOfTheSecondFont + hex("1b 21 41 1b 21 41")},
+                    SettingsRow{"other_columns_keep_mode_and_underline", with_line_chars(48),
+                                kLooksThenNormal, kLooks + hex("1b 21 78 1b 21 58 1b 2d 32")}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    scaled, Fonts,
+    testing::Values(SettingsRow{"font_is_not_part_of_the_size", with_line_chars(56),
+                                "\x1b|3hC\x1b|4vC\x1b|1hC", hex("1b 21 20 1b 21 23 1b 21 41")},
+                    SettingsRow{"other_columns", with_line_chars(0), "\x1b|4C\x1b|3hC\x1b|1C",
+                                hex("1b 21 70 1b 21 21 1b 21 40")}),
+    RowName());
+
+TEST(Translate, looks_last_for_one_call) {
+  LineColumns columns = kNewLine;
+  ByteBuffer first(kTransaction);
+  translate("\x1b|4C\x1b|bC\x1b|2uC\x1b|5hCab", kDefaults, columns, first);
+  ByteBuffer second(kTransaction);
+  translate("\x1b|1hC\x1b|2hC\x1b|1hCcd", kDefaults, columns, second);
+  EXPECT_THAT(second.bytes(), BytesAre(kPrologue + hex("1b 21 40 1b 21 60 1b 21 40") + "cd"));
+  EXPECT_EQ(columns.current, 5 + 5 + 1 + 1);
+}
+
+// ------------------------------------------------------------------ columns
+
+struct ColumnsRow {
+  const char* name;
+  LineColumns before;
+  std::string text;
+  LineColumns after;
+};
+
+void PrintTo(const ColumnsRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+void expect_columns(const LineColumns& actual, const LineColumns& expected) {
+  EXPECT_EQ(actual.line_is_open, expected.line_is_open);
+  EXPECT_EQ(actual.current, expected.current);
+  EXPECT_EQ(actual.widest, expected.widest);
+}
+
+class Columns : public testing::TestWithParam<ColumnsRow> {};
+
+TEST_P(Columns, are_counted) {
+  const ColumnsRow& row = GetParam();
+  SCOPED_TRACE("text: " + hex_dump(row.text));
+  expect_columns(translation(row.text, kDefaults, row.before).columns, row.after);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    lines, Columns,
+    testing::Values(ColumnsRow{"nothing_opens_a_line", {0, 0, 0}, "", {1, 0, 0}},
+                    ColumnsRow{"text_opens_a_line", {0, 0, 0}, "abc", {1, 3, 0}},
+                    ColumnsRow{"line_feed_ends_it", {0, 0, 0}, "abc\n", {0, 0, 3}},
+                    ColumnsRow{"carriage_return_ends_it", {0, 0, 0}, "abc\r", {0, 0, 3}},
+                    ColumnsRow{"both_end_it_once", {0, 0, 0}, "abc\r\n", {0, 0, 3}},
+                    ColumnsRow{"line_end_alone", {0, 0, 0}, "\n", {0, 0, 0}},
+                    ColumnsRow{"after_the_last_line_end_nothing_is_carried",
+                               {0, 0, 0},
+                               "abc\ndefgh",
+                               {0, 0, 3}},
+                    ColumnsRow{"widest_of_three", {0, 0, 0}, "abc\nabcdef\na\n", {0, 0, 6}},
+                    ColumnsRow{"last_is_widest", {0, 0, 0}, "a\nab\nabc\n", {0, 0, 3}}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    across_calls, Columns,
+    testing::Values(
+        ColumnsRow{"open_line_is_resumed_and_ended", {1, 3, 0}, "de\n", {0, 0, 5}},
+        ColumnsRow{"open_line_is_resumed_and_left_open", {1, 3, 0}, "de", {1, 5, 0}},
+        ColumnsRow{"open_line_stays_with_nothing", {1, 3, 2}, "", {1, 3, 2}},
+        ColumnsRow{"open_line_is_ended_by_a_line_end_alone", {1, 3, 2}, "\n", {0, 0, 3}},
+        ColumnsRow{"second_line_starts_at_nothing", {1, 30, 0}, "\nab\n", {0, 0, 30}},
+        ColumnsRow{"ended_line_is_not_resumed", {0, 9, 0}, "de", {1, 2, 0}},
+        ColumnsRow{"ended_line_does_not_count", {0, 9, 0}, "de\n", {0, 0, 2}},
+        ColumnsRow{"widest_is_kept_by_a_shorter_line", {0, 0, 10}, "abc\n", {0, 0, 10}},
+        ColumnsRow{"widest_is_kept_by_an_equal_line", {0, 0, 3}, "abc\n", {0, 0, 3}},
+        ColumnsRow{"widest_grows_by_a_longer_line", {0, 0, 3}, "abcd\n", {0, 0, 4}},
+        ColumnsRow{"widest_does_not_grow_before_the_line_ends", {0, 0, 3}, "abcd", {1, 4, 3}},
+        ColumnsRow{"widest_below_nothing_grows_to_nothing", {0, 0, -5}, "\n", {0, 0, 0}}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    wide_characters, Columns,
+    testing::Values(
+        ColumnsRow{"double_width", {0, 0, 0}, "\x1b|2Cab", {1, 4, 0}},
+        ColumnsRow{"double_both", {0, 0, 0}, "\x1b|4Cab", {1, 4, 0}},
+        ColumnsRow{"double_height", {0, 0, 0}, "\x1b|2Ca\x1b|3Cb", {1, 3, 0}},
+        ColumnsRow{"normal_again", {0, 0, 0}, "\x1b|2Ca\x1b|1Cb", {1, 3, 0}},
+        ColumnsRow{"width_1", {0, 0, 0}, "\x1b|2Ca\x1b|1hCb", {1, 3, 0}},
+        ColumnsRow{"width_2", {0, 0, 0}, "\x1b|2hCab", {1, 4, 0}},
+        ColumnsRow{"width_2_of_a_scaled_size", {0, 0, 0}, "\x1b|5hC\x1b|2hCab", {1, 4, 0}},
+        ColumnsRow{"width_3", {0, 0, 0}, "\x1b|3hCab", {1, 6, 0}},
+        ColumnsRow{"width_4", {0, 0, 0}, "\x1b|4hCab", {1, 8, 0}},
+        ColumnsRow{"width_5", {0, 0, 0}, "\x1b|5hCab", {1, 10, 0}},
+        ColumnsRow{"width_6", {0, 0, 0}, "\x1b|6hCab", {1, 12, 0}},
+        ColumnsRow{"width_7", {0, 0, 0}, "\x1b|7hCab", {1, 14, 0}},
+        ColumnsRow{"width_8", {0, 0, 0}, "\x1b|8hCab", {1, 16, 0}},
+        ColumnsRow{"width_9_changes_nothing", {0, 0, 0}, "\x1b|3hC\x1b|9hCa", {1, 3, 0}},
+        ColumnsRow{"height_9_changes_nothing", {0, 0, 0}, "\x1b|3hC\x1b|9vCa", {1, 3, 0}},
+        ColumnsRow{"height_1_counts_one", {0, 0, 0}, "\x1b|3hCa\x1b|1vCb", {1, 4, 0}},
+        ColumnsRow{"height_2_counts_one", {0, 0, 0}, "\x1b|3hCa\x1b|2vCb", {1, 4, 0}},
+        ColumnsRow{"height_3_counts_one", {0, 0, 0}, "\x1b|3hCa\x1b|3vCb", {1, 4, 0}},
+        ColumnsRow{"height_8_counts_one", {0, 0, 0}, "\x1b|2Ca\x1b|8vCb", {1, 3, 0}},
+        ColumnsRow{"line_end_counts_one_again", {0, 0, 0}, "\x1b|2Ca\nbcde\n", {0, 0, 4}},
+        ColumnsRow{"back_to_normal_keeps_the_width", {0, 0, 0}, "\x1b|2C\x1b|Na", {1, 2, 0}},
+        ColumnsRow{"letters_of_an_unknown_sequence", {0, 0, 0}, "\x1b|2C\x1b|lA", {1, 4, 0}},
+        ColumnsRow{"resumed_line", {1, 3, 0}, "\x1b|2Cab\n", {0, 0, 7}}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    sequences_use_none, Columns,
+    testing::Values(
+        ColumnsRow{"alignment", {0, 0, 0}, "\x1b|cAab", {1, 2, 0}},
+        ColumnsRow{"looks", {0, 0, 0}, "\x1b|bC\x1b|uC\x1b|rvCab\x1b|N", {1, 2, 0}},
+        ColumnsRow{"line_feeds_do_not_end_the_line", {0, 0, 0}, "ab\x1b|2lFcd", {1, 4, 0}},
+        ColumnsRow{"unit_feeds_do_not_end_the_line", {0, 0, 0}, "ab\x1b|60uFcd", {1, 4, 0}},
+        ColumnsRow{"cuts_do_not_end_the_line", {0, 0, 0}, "ab\x1b|P\x1b|fPcd", {1, 4, 0}},
+        ColumnsRow{"line_end_within_an_unknown_sequence", {0, 0, 0}, "ab\x1b|5\n", {0, 0, 3}}),
+    RowName());
+
+INSTANTIATE_TEST_SUITE_P(
+    wrap_at_32_bits, Columns,
+    testing::Values(ColumnsRow{"one_more_than_the_greatest", {1, kMax, 0}, "a", {1, kMin, 0}},
+                    ColumnsRow{"wrapped_line_is_not_the_widest", {1, kMax, 7}, "a\n", {0, 0, 7}},
+                    ColumnsRow{"greatest_can_be_the_widest", {1, kMax, 7}, "\n", {0, 0, kMax}}),
+    RowName());
+
+TEST(Translate, two_calls_for_one_line_count_together) {
+  const LineColumns first = translation("abc").columns;
+  expect_columns(first, {1, 3, 0});
+  expect_columns(translation("de\n", kDefaults, first).columns, {0, 0, 5});
+}
+
+TEST(Translate, text_after_the_last_line_end_does_not_count_in_the_next_call) {
+  const LineColumns first = translation("abc\ndefgh").columns;
+  expect_columns(translation("ij\n", kDefaults, first).columns, {0, 0, 3});
+}
+
+TEST(Translate, columns_are_counted_whatever_the_settings) {
+  for (const int32_t line_chars : {42, 56, 33, 40, 48, 0}) {
+    const LineColumns open{.line_is_open = 1, .current = 3, .widest = 0};
+    expect_columns(translation("de\n", with_line_chars(line_chars), open).columns, {0, 0, 5});
+    expect_columns(translation("de", rotated_with(line_chars), open).columns, {1, 5, 0});
+  }
+}
+
 }  // namespace
