@@ -1051,4 +1051,85 @@ TEST(Translate, columns_are_counted_whatever_the_settings) {
   }
 }
 
+// ------------------------------------------------------------------ long output
+
+TEST(LongOutput, fills_a_transaction_exactly) {
+  const std::string text(kTransaction - kPrologue.size(), 'x');
+  expect_output(text, kPrologue + text);
+  EXPECT_FALSE(translation(text + "x").ok);
+}
+
+TEST(LongOutput, a_command_is_refused_when_only_part_of_it_fits) {
+  const std::string text(kTransaction - kPrologue.size() - 2, 'x');
+  EXPECT_TRUE(translation(text).ok);
+  EXPECT_TRUE(translation(text + "\x1b|P").ok);
+  EXPECT_FALSE(translation(text + "\x1b|bC").ok);
+}
+
+TEST(LongOutput, the_prologue_itself_needs_room) {
+  EXPECT_TRUE(translation("", kDefaults, kNewLine, 18).ok);
+  EXPECT_FALSE(translation("", kDefaults, kNewLine, 17).ok);
+  EXPECT_FALSE(translation("", kDefaults, kNewLine, 0).ok);
+}
+
+TEST(LongOutput, a_hundred_thousand_lines_keep_every_look) {
+  constexpr std::size_t kLines = 100000;
+  const std::string text = times(kLines, "\x1b|cA\x1b|bCab\n");
+  const Translation result = translation(text);
+  EXPECT_TRUE(result.ok);
+  EXPECT_THAT(result.output,
+              BytesAre(kPrologue + times(kLines, hex("1b 61 31 1b 45 31") + "ab\n")));
+  expect_columns(result.columns, {0, 0, 2});
+}
+
+TEST(LongOutput, a_long_line_counts_every_column) {
+  EXPECT_EQ(translation(std::string(1600000, 'x')).columns.current, 1600000);
+  EXPECT_EQ(translation("\x1b|8hC" + std::string(1600000, 'x')).columns.current, 12800000);
+}
+
+TEST(LongOutput, text_that_is_all_sequences_without_effect_sends_nothing) {
+  expect_output(times(400000, "\x1b|iC"), kPrologue);
+}
+
+TEST(LongOutput, a_million_digits_are_text_when_no_sequence_follows) {
+  const std::string text = "\x1b|" + std::string(1000000, '9') + "C";
+  const Translation result = translation(text);
+  EXPECT_THAT(result.output, BytesAre(kPrologue + text));
+  EXPECT_EQ(result.columns.current, 1000001);
+}
+
+TEST(LongOutput, line_feeds_fill_a_transaction_exactly) {
+  EXPECT_TRUE(translation("\x1b|1663982lF").ok);
+  EXPECT_FALSE(translation("\x1b|1663983lF").ok);
+  EXPECT_FALSE(translation("\x1b|1663982lFx").ok);
+}
+
+TEST(LongOutput, feeds_before_a_cut_fill_a_transaction_exactly) {
+  EXPECT_TRUE(translation("\x1b|fP", with_lines_to_paper_cut(1663980)).ok);
+  EXPECT_FALSE(translation("\x1b|fP", with_lines_to_paper_cut(1663981)).ok);
+  EXPECT_FALSE(translation("\x1b|fP", with_lines_to_paper_cut(kMax)).ok);
+}
+
+// 50 * 415993 dots are 415993 passes and the last one, 4 bytes each, and 3 bytes at the end; with
+// the prologue that leaves 3 bytes. One more pass does not fit.
+TEST(LongOutput, unit_feeds_reach_the_limit_pass_by_pass) {
+  const Translation fits = translation("\x1b|20799650uF");
+  EXPECT_TRUE(fits.ok);
+  EXPECT_EQ(fits.output.size(), kTransaction - 3);
+  EXPECT_FALSE(translation("\x1b|20799700uF").ok);
+}
+
+TEST(LongOutput, numbers_of_any_size_are_refused_when_they_expand_too_far) {
+  for (const char* number : {"2147483647", "2147483648", "4294967296", "4294967297",
+                             "18446744073709551617", "99999999999999999999999999999999"}) {
+    EXPECT_FALSE(translation(std::string("\x1b|") + number + "lF").ok) << number;
+    EXPECT_FALSE(translation(std::string("\x1b|") + number + "uF").ok) << number;
+  }
+}
+
+TEST(LongOutput, feeds_that_add_up_beyond_the_limit_are_refused) {
+  EXPECT_FALSE(translation(times(1000, "\x1b|2000000000lF")).ok);
+  EXPECT_FALSE(translation(times(20, "\x1b|100000lF")).ok);
+}
+
 }  // namespace
