@@ -31,5 +31,9 @@ int main(int argc, char** argv) {
   for (unsigned i = 0; i < sizeof kReceipt / sizeof *kReceipt; ++i) {
     if (PrintNormal(port, kReceipt[i]) != 0) return 1;
   }
-  return ClosePort(port) == 0 ? 0 : 1;
+  /* The answer comes after the printer has read everything before the question. */
+  const long state = GetPrinterStatus(port);
+  ClosePort(port);
+  if (state != TZV_STATUS_OK) fprintf(stderr, "%s: the printer reports %ld\n", port, state);
+  return state == TZV_STATUS_OK ? 0 : 1;
 }

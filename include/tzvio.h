@@ -66,9 +66,9 @@ extern "C" {
 
 /* Result codes below 0. */
 enum {
-  TZV_FAILED = -1,       /* not open, no device, no answer, bad argument */
-  TZV_REFUSED = -2,      /* error state, or a write, read or line call failed */
-  TZV_NOT_ACCEPTED = -3  /* port name, operation or settings */
+  TZV_FAILED = -1,      /* not open, no device, no answer, bad argument */
+  TZV_REFUSED = -2,     /* error state, or a write, read or line call failed */
+  TZV_NOT_ACCEPTED = -3 /* port name, operation or settings */
 };
 
 /* Status codes, one at a time by priority, from OpenPort, GetPrinterStatus, GetError and the end
@@ -488,8 +488,7 @@ TZV_API long SetData(const char* portName, const char* CustomData, long datasize
  * >=0  the bytes read; 0: no answer
  *  -1  the port is not open, paper is out, the cover is open, or a bad argument
  */
-TZV_API long GetData(const char* portName, const char* CustomData, long datasize,
-                     char* ReadBuffer);
+TZV_API long GetData(const char* portName, const char* CustomData, long datasize, char* ReadBuffer);
 
 /* Writes the printer's serial number (GS #) and reads its acknowledgement after one second.
  *

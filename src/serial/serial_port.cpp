@@ -96,8 +96,8 @@ long SerialOpenPort(PortIndex port, const char* portName, const char* portSettin
   if (!settings) return kNotAccepted;
 
   entry.set = 1;
-  std::strcpy(entry.portName, portName);
-  std::strcpy(entry.portSettings, portSettings);
+  std::memcpy(entry.portName, portName, std::strlen(portName));
+  std::memcpy(entry.portSettings, portSettings, std::strlen(portSettings));
   entry.port = retry_interrupted([&] { return open(portName, O_RDWR | O_NOCTTY | O_NONBLOCK); });
   if (entry.port == -1) return kFailed;
   const long configured = serConfigurePort(entry, *settings);

@@ -10,34 +10,19 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view kSelectPrintMode = "\x1b!"sv;  // ESC ! n
-constexpr std::string_view kSetLineSpacing =
-    "\x1b"
-    "3"sv;  // ESC 3 n
-constexpr std::string_view kDefaultLineSpacing =
-    "\x1b"
-    "3<"sv;
-constexpr std::string_view kEmphasisOn =
-    "\x1b"
-    "E1"sv;
-constexpr std::string_view kEmphasisAndUnderlineOff =
-    "\x1b"
-    "E0\x1b-0"sv;
-constexpr std::string_view kUnderlineSingle = "\x1b-1"sv;
-constexpr std::string_view kUnderlineDouble = "\x1b-2"sv;
-constexpr std::string_view kReverseOn =
-    "\x1d"
-    "B\x01"sv;
-constexpr std::string_view kAlignLeft =
-    "\x1b"
-    "a0"sv;
-constexpr std::string_view kAlignCenter =
-    "\x1b"
-    "a1"sv;
-constexpr std::string_view kAlignRight =
-    "\x1b"
-    "a2"sv;
-constexpr std::string_view kCut = "\x1bm"sv;
+// Escapes are octal: a hexadecimal one would swallow the letters that follow it.
+constexpr std::string_view kSelectPrintMode = "\033!"sv;  // ESC ! n
+constexpr std::string_view kSetLineSpacing = "\0333"sv;   // ESC 3 n
+constexpr std::string_view kDefaultLineSpacing = "\0333<"sv;
+constexpr std::string_view kEmphasisOn = "\033E1"sv;
+constexpr std::string_view kEmphasisAndUnderlineOff = "\033E0\033-0"sv;
+constexpr std::string_view kUnderlineSingle = "\033-1"sv;
+constexpr std::string_view kUnderlineDouble = "\033-2"sv;
+constexpr std::string_view kReverseOn = "\035B\001"sv;
+constexpr std::string_view kAlignLeft = "\033a0"sv;
+constexpr std::string_view kAlignCenter = "\033a1"sv;
+constexpr std::string_view kAlignRight = "\033a2"sv;
+constexpr std::string_view kCut = "\033m"sv;
 
 constexpr char kLineFeed = '\n';
 constexpr char kCarriageReturn = '\r';
@@ -61,40 +46,22 @@ constexpr int32_t kFeedPiece = 50;  // dots fed by one line of a long unit feed
 
 /// What the number of characters per line stands for.
 struct LineFormat {
-  int32_t line_chars;
   std::string_view reset;
+  int32_t line_chars;
   uint8_t print_mode;
 };
 
 // The resets select ESC ! 46 or 47 (hexadecimal) although the first mode sent later is built on
-// 40 or 41: printers tell the reset from a mode by it.
+// 40 or 41: both are what the printers have always been sent.
 constexpr LineFormat kLineFormats[] = {
-    {42,
-     "\x1b"
-     "E0\x1b-0\x1b!F\x1d"
-     "B0\x1b"
-     "a0"sv,
-     kModeBase},
-    {56,
-     "\x1b"
-     "E0\x1b-0\x1b!G\x1d"
-     "B0\x1b"
-     "a0"sv,
-     kModeBase | kSmallFont},
-    {33,
-     "\x1b"
-     "E0\x1b-0\x1b!F\x1br0\x1b"
-     "a0"sv,
-     kModeBase},
-    {40,
-     "\x1b"
-     "E0\x1b-0\x1b!G\x1br0\x1b"
-     "a0"sv,
-     kModeBase | kSmallFont},
+    {"\033E0\033-0\033!F\035B0\033a0"sv, 42, kModeBase},
+    {"\033E0\033-0\033!G\035B0\033a0"sv, 56, kModeBase | kSmallFont},
+    {"\033E0\033-0\033!F\033r0\033a0"sv, 33, kModeBase},
+    {"\033E0\033-0\033!G\033r0\033a0"sv, 40, kModeBase | kSmallFont},
 };
 
 // Another number of characters: no reset, and the state of 42.
-constexpr LineFormat kUnknownFormat{0, "", kModeBase};
+constexpr LineFormat kUnknownFormat{"", 0, kModeBase};
 
 const LineFormat& format_for(int32_t line_chars) {
   for (const LineFormat& format : kLineFormats) {

@@ -13,7 +13,7 @@ static int check(int holds, const char* what) {
 }
 
 int main(void) {
-  static const char expected[] = "\x1b" "E0\x1b-0\x1b!G\x1d" "B0\x1b" "a0\x1b" "3\x28" "abc";
+  static const char expected[] = "\033E0\033-0\033!G\035B0\033a0\0333\050abc";
   int failures = 0;
 
   serPorts[3].set = 1;

@@ -11,19 +11,9 @@ namespace {
 using namespace std::string_literals;
 using testing::ElementsAre;
 
-const std::string kReset42 =
-    "\x1b"
-    "E0\x1b-0\x1b!F\x1d"
-    "B0\x1b"
-    "a0";
-const std::string kReset56 =
-    "\x1b"
-    "E0\x1b-0\x1b!G\x1d"
-    "B0\x1b"
-    "a0";
-const std::string kSpacing60 =
-    "\x1b"
-    "3<";
+const std::string kReset42 = "\033E0\033-0\033!F\035B0\033a0";
+const std::string kReset56 = "\033E0\033-0\033!G\035B0\033a0";
+const std::string kSpacing60 = "\0333<";
 const std::string kPrologue = kReset42 + kSpacing60;
 
 class PrintText : public EveryLink {};

@@ -276,8 +276,11 @@ TEST_F(SerialOpen, close_flushes_and_frees_the_entry) {
   kernel.forget_calls();
   EXPECT_EQ(ClosePort(kPort), 0);
   EXPECT_THAT(kernel.log(), ElementsAre("tcflush both", "close 700"));
-  const SerPort free_entry{};
-  EXPECT_EQ(memcmp(&serPorts[0], &free_entry, sizeof free_entry), 0);
+  EXPECT_EQ(serPorts[0].set, 0);
+  EXPECT_STREQ(serPorts[0].portName, "");
+  EXPECT_STREQ(serPorts[0].portSettings, "");
+  EXPECT_EQ(serPorts[0].port, 0);
+  EXPECT_EQ(serPorts[0].originalPortSettings.baud, 0);
   EXPECT_EQ(s_PageSize, 0);
   EXPECT_EQ(s_PageBuffer[4], 0);
   EXPECT_EQ(s_bProtocol, 0);

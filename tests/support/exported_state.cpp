@@ -25,7 +25,7 @@ void reset_library() {
   for (const ExportedState* state : {&kSerialState, &kParallelState, &kUsbState, &kNetworkState}) {
 #define TZV_NUMBER(type, field, serial, parallel, usb, network, initial) *state->field = initial;
 #define TZV_BYTES(size, field, serial, parallel, usb, network, initial) \
-  std::strcpy(*state->field, initial);
+  std::memcpy(*state->field, initial, sizeof(initial));
 #define TZV_THREAD(type, field, serial, parallel, usb, network)
     TZV_STATE_FIELDS(TZV_NUMBER, TZV_BYTES, TZV_THREAD)
 #undef TZV_NUMBER

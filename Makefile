@@ -1,0 +1,46 @@
+# The front door; CMakePresets.json has the builds behind it.
+#
+#   make demo     print a receipt on the virtual printer and leave a picture of it
+#   make test     build the 32-bit library and run every test
+#   make format   format the sources; make lint checks them
+#   make sanitize the same tests natively, under the sanitizers
+
+JOBS ?= 2
+PRESETS := asan tsan
+
+all: build/i386/libTZVIO.so.0
+
+# ninja decides what is out of date.
+.PHONY: all demo test sanitize format lint clean FORCE
+build/i386/libTZVIO.so.0: FORCE
+	@tools/install-dependencies.sh test
+	@cmake --preset i386 >/dev/null
+	@cmake --build --preset i386 --parallel $(JOBS)
+
+demo:
+	@tools/install-dependencies.sh demo
+	@tools/demo.sh $(JOBS)
+
+test: build/i386/libTZVIO.so.0
+	@cmake --preset native >/dev/null
+	@cmake --build --preset native --parallel $(JOBS)
+	@ctest --preset i386 --parallel $(JOBS)
+	@ctest --preset native --parallel $(JOBS)
+
+sanitize: $(PRESETS:%=sanitize-%)
+sanitize-%:
+	@tools/install-dependencies.sh test
+	@cmake --preset $* >/dev/null
+	@cmake --build --preset $* --parallel $(JOBS)
+	@ctest --preset $* --parallel $(JOBS)
+
+format:
+	@tools/install-dependencies.sh lint
+	@tools/format.sh
+
+lint:
+	@tools/install-dependencies.sh lint
+	@tools/lint.sh
+
+clean:
+	rm -rf build

@@ -1,0 +1,34 @@
+#!/bin/sh
+# Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
+#   install-dependencies.sh demo|test|lint
+set -eu
+
+build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
+printer='libcairo2-dev libpango1.0-dev libcli11-dev fonts-dejavu-core'
+case ${1-} in
+  demo) packages="$build $printer" ;;
+  test) packages="$build $printer googletest" ;;
+  lint) packages='clang-format clang-tidy' ;;
+  *) echo "usage: $0 demo|test|lint" >&2 && exit 2 ;;
+esac
+
+missing=''
+for package in $packages; do
+  dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
+    grep -qx installed || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+as_root=''
+if [ "$(id -u)" != 0 ]; then
+  command -v sudo >/dev/null || {
+    echo "Needed packages are missing; have them installed: apt-get install$missing" >&2
+    exit 1
+  }
+  as_root=sudo
+fi
+echo "Installing:$missing"
+export DEBIAN_FRONTEND=noninteractive
+$as_root apt-get update --quiet=2
+# shellcheck disable=SC2086 # a list of names
+$as_root apt-get install --quiet=2 --no-install-recommends --yes $missing
