@@ -57,11 +57,14 @@ INSTANTIATE_TEST_SUITE_P(
                     LengthRow{"fewest_twips", TZV_MAP_TWIPS, kMin, -268646988}),
     RowName());
 
-// 124362 twips are 15557.5 dots, which arithmetic in doubles sees as a little less.
+// 124362 twips are 15557.5 dots, which arithmetic in doubles sees as a little less; 246186 twips
+// are 30797.5, lost when only the millimetres are rounded to a double on the way.
 INSTANTIATE_TEST_SUITE_P(
     twips_in_extended_precision, Units,
     testing::Values(LengthRow{"half_a_dot_that_doubles_lose", TZV_MAP_TWIPS, 124362, 15558},
                     LengthRow{"negative_half_that_doubles_lose", TZV_MAP_TWIPS, -124362, -15557},
+                    LengthRow{"half_that_millimetres_in_doubles_lose", TZV_MAP_TWIPS, 246186,
+                              30798},
                     LengthRow{"another_half_that_doubles_lose", TZV_MAP_TWIPS, 230958, 28893}),
     RowName());
 
