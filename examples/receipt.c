@@ -6,7 +6,7 @@ static const char* const kReceipt[] = {
     "\x1b|cA\x1b|4CCORNER SHOP\n",
     "\x1b|cA12 Harbour Street\n",
     "\x1b|cAThank you for your visit\n\n",
-    "\x1b|bCQty Item                          Amount\n",
+    "\x1b|bCQty Item                            Amount\n",
     "\x1b|uC                                          \n",
     "  2 Coffee, ground, 500 g            11.80\n",
     "  1 Wholemeal bread                   3.20\n",

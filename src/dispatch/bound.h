@@ -1,10 +1,16 @@
 // Makes a transport's table: each slot is a plain function that runs a feature on the transport.
 #pragma once
 
+#include "device/drawer.h"
+#include "device/identity.h"
+#include "device/paper.h"
+#include "device/signals.h"
 #include "dispatch/port_impl.h"
 #include "dispatch/port_operations.h"
 #include "dispatch/transport.h"
+#include "status/claim.h"
 #include "status/queries.h"
+#include "status/transaction.h"
 #include "text/print_text.h"
 
 /// Stands in operations.def for a feature that a slot does not have.

@@ -1,6 +1,7 @@
 // The exported operations, the choice of transport by port name, and the load and unload hooks.
 #include "dispatch/port_impl.h"
 #include "dispatch/results.h"
+#include "status/claim.h"
 #include "tzvio.h"
 
 namespace {
@@ -46,6 +47,8 @@ TZV_API __attribute__((constructor)) void libConstructor() {
 }
 
 TZV_API __attribute__((destructor)) void libDestructor() {
+  // Before a port closes, and before the code of the threads is unmapped.
+  end_all_monitors();
   for (const PortImpl& impl : impls) {
     if (impl.ReleaseImpl != nullptr) impl.ReleaseImpl();
   }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "status/collected_job.h"
 #include "status/queries.h"
 
 namespace {
@@ -15,16 +16,11 @@ void reset_for_fresh_port(const TransportState& state) {
   state.bPowerOFF = 0;
 }
 
-long collect(const TransportState& state, std::string_view bytes) {
-  // PageSize is exported, so an application may have written anything into it.
-  const long held = state.PageSize;
-  const long length = static_cast<long>(bytes.size());
-  if (held < 0 || held > TZV_PAGE_BUFFER_SIZE || length > TZV_PAGE_BUFFER_SIZE - held) {
-    return kRefused;
-  }
-  std::memcpy(state.PageBuffer + held, bytes.data(), bytes.size());
-  state.PageSize = held + length;
-  return length;
+void close_open_port(const Transport& transport, PortHandle port) {
+  transport.close(port);
+  drop_collected(transport.state);
+  transport.state.bProtocol = 0;
+  transport.state.RePrint = 0;
 }
 
 }  // namespace
@@ -42,54 +38,51 @@ long match_port_name(const Transport& transport, const char* portName) {
 }
 
 long open_port(const Transport& transport, const char* portName, const char* portSettings) {
-  if (transport.registry.find(portName) != kNoPort) return 0;
-  const PortIndex port = transport.registry.find_free();
-  if (port == kNoPort || std::strlen(portName) >= kPortNameSize) return kFailed;
+  if (transport.registry.find(portName)) return 0;
+  const int entry = transport.registry.find_free();
+  if (entry < 0 || std::strlen(portName) >= kPortNameSize) return kFailed;
 
-  const long opened = transport.open(port, portName, portSettings);
+  const long opened = transport.open(entry, portName, portSettings);
   if (opened != 0) return opened;
   reset_for_fresh_port(transport.state);
   // Whatever the printer answers, the port stays open: a till may open before the paper is in.
-  return ask_open_status(transport, port);
+  return ask_open_status(transport, transport.registry.at(entry));
 }
 
 long write_port(const Transport& transport, const char* portName, const char* writeBuffer,
                 long length) {
-  const PortIndex port = transport.registry.find(portName);
-  if (port == kNoPort || writeBuffer == nullptr || length < 0) return kFailed;
+  const PortHandle port = transport.registry.find(portName);
+  if (!port || writeBuffer == nullptr || length < 0) return kFailed;
   return guarded_write(transport, port, {writeBuffer, static_cast<std::size_t>(length)});
 }
 
 long read_port(const Transport& transport, const char* portName, char* readBuffer, long length) {
   if (length == 0) return 0;
-  const PortIndex port = transport.registry.find(portName);
-  if (port == kNoPort || readBuffer == nullptr || length < 0) return kFailed;
+  const PortHandle port = transport.registry.find(portName);
+  if (!port || readBuffer == nullptr || length < 0) return kFailed;
   return transport.read(port, {readBuffer, static_cast<std::size_t>(length)}, kRawRead);
 }
 
 long close_port(const Transport& transport, const char* portName) {
-  const PortIndex port = transport.registry.find(portName);
-  if (port == kNoPort) return kFailed;
-  transport.close(port);
-  drop_collected(transport.state);
-  transport.state.bProtocol = 0;
-  transport.state.RePrint = 0;
+  const PortHandle port = transport.registry.find(portName);
+  if (!port) return kFailed;
+  close_open_port(transport, port);
   return 0;
 }
 
 void release_ports(const Transport& transport) {
-  for (PortIndex port = 0; port < TZV_PORTS; ++port) {
-    const char* name = transport.registry.name_of(port);
-    if (name != nullptr) close_port(transport, name);
+  for (int entry = 0; entry < TZV_PORTS; ++entry) {
+    const PortHandle port = transport.registry.at(entry);
+    if (port) close_open_port(transport, port);
   }
 }
 
-long guarded_write(const Transport& transport, PortIndex port, std::string_view bytes) {
+long guarded_write(const Transport& transport, PortHandle port, std::string_view bytes) {
   if (in_error_state(transport.state)) return kRefused;
   return transport.write(port, bytes);
 }
 
-long buffered_write(const Transport& transport, PortIndex port, std::string_view bytes) {
+long buffered_write(const Transport& transport, PortHandle port, std::string_view bytes) {
   const TransportState& state = transport.state;
   if (state.RePrint != 0 || state.TransactionPrint != 0) return collect(state, bytes);
   return guarded_write(transport, port, bytes);

@@ -20,9 +20,9 @@ long match_prefixes(std::span<const std::string_view> prefixes, const char* port
 
 /// Sends at once, past any transaction. The count sent (the link may fall short), or -2 when the
 /// printer is in an error state (nothing is sent) or the link failed.
-long guarded_write(const Transport& transport, PortIndex port, std::string_view bytes);
+long guarded_write(const Transport& transport, PortHandle port, std::string_view bytes);
 
 /// Everything that belongs on the receipt goes this way. While a transaction or reprint mode is
 /// on, the bytes are collected instead: their count, or -2 when they do not fit any more (what
 /// is held stays). Otherwise a guarded write.
-long buffered_write(const Transport& transport, PortIndex port, std::string_view bytes);
+long buffered_write(const Transport& transport, PortHandle port, std::string_view bytes);

@@ -14,7 +14,8 @@ auto retry_interrupted(Call call) {
   return result;
 }
 
-/// Waits below one second; usleep() need not accept more.
+/// Waits; whole seconds with sleep(), because usleep() need not accept that much.
 inline void pause_ms(long milliseconds) {
-  if (milliseconds > 0) usleep(static_cast<useconds_t>(milliseconds) * 1000);
+  if (milliseconds >= 1000) sleep(static_cast<unsigned>(milliseconds / 1000));
+  if (milliseconds % 1000 > 0) usleep(static_cast<useconds_t>(milliseconds % 1000) * 1000);
 }

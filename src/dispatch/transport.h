@@ -19,10 +19,23 @@ struct ReadPatience {
 /// ReadPort's patience.
 inline constexpr ReadPatience kRawRead{.min_length = 1, .silence_ms = 200};
 
-/// The exchange at open and the sensor query, in what they differ by link.
+/// The exchange at open, in what it differs by link.
 struct StatusExchange {
   bool drain_first;     ///< whether to read what waits on the line before the first query
   long after_query_ms;  ///< pause after each DLE EOT, in milliseconds
+};
+
+/// How long a link waits for each kind of answer.
+struct AnswerPatience {
+  ReadPatience data;     ///< to GetData
+  ReadPatience version;  ///< to GetFWVersion
+  ReadPatience frame;    ///< to a frame
+};
+
+/// What an operation returns when its write fell short in a healthy state.
+struct ShortWriteResults {
+  long cut;
+  long drawer;
 };
 
 struct Transport {
@@ -34,24 +47,35 @@ struct Transport {
 
   PortRegistry registry;
 
-  /// Opens and configures the device and fills the free entry `port`; `portName` is shorter than
+  /// Opens and configures the device and fills the free entry; `portName` is shorter than
   /// `kPortNameSize`. 0, or the result of OpenPort; after a failure the entry is still free and
   /// no descriptor is left open.
-  long (&open)(PortIndex port, const char* portName, const char* portSettings);
+  long (&open)(int entry, const char* portName, const char* portSettings);
 
   /// Closes the descriptor of an open port and frees its entry.
-  void (&close)(PortIndex port);
+  void (&close)(PortHandle port);
 
-  /// Sends all bytes in the link's own pieces and within its own budget. The count sent, or -2.
-  /// Called only while the printer is not in an error state.
-  long (&write)(PortIndex port, std::string_view bytes);
+  /// Sends all bytes in the link's own pieces and within its own budget, whatever state the
+  /// printer is in. The count sent, or -2. May pause.
+  long (&write)(PortHandle port, std::string_view bytes);
 
-  /// Hands the bytes to the descriptor in one call, whatever state the printer is in: for the
-  /// queries of an open and for the monitor.
-  void (&write_now)(PortIndex port, std::string_view bytes);
+  /// Hands a short command to the descriptor in one call that does not pause: for the queries of
+  /// an open and for the monitor.
+  void (&write_now)(PortHandle port, std::string_view bytes);
 
-  /// Reads up to the buffer's size. The count read, or 0 or -2 when nothing came.
-  long (&read)(PortIndex port, std::span<char> buffer, ReadPatience patience);
+  /// Reads up to the buffer's size. The count read, or 0 or -2 when nothing came. May pause.
+  long (&read)(PortHandle port, std::span<char> buffer, ReadPatience patience);
+
+  /// The monitor's look at the line before each read: sets or clears `bPowerOFF` and `bOffline`
+  /// where the link can tell. Does not pause.
+  void (&watch_line)(PortHandle port);
+
+  /// The monitor's read: what is there, at once. The count, 0 or below when there is nothing.
+  long (&poll)(PortHandle port, std::span<char> buffer);
 
   StatusExchange status_exchange;
+  AnswerPatience patience;
+  ShortWriteResults short_write;
+  /// How long ReleaseDevice waits after telling the monitor to end, in milliseconds.
+  long release_pause_ms;
 };

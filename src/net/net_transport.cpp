@@ -13,7 +13,7 @@ constexpr std::string_view kPrefixes[] = {"SOCKET:"};
 }  // namespace
 
 PortImpl GetNetPortImpl() {
-  RegistryOf<netPorts>::forget_all();
+  RegistryOf<netPorts, &NETPort::sock>::forget_all();
   return PortImpl{
       .MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); }};
 }

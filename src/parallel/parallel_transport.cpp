@@ -13,7 +13,7 @@ constexpr std::string_view kPrefixes[] = {"/dev/parport", "/dev/lp"};
 }  // namespace
 
 PortImpl GetParallelPortImpl() {
-  RegistryOf<parPorts>::forget_all();
+  RegistryOf<parPorts, &ParPort::port>::forget_all();
   return PortImpl{
       .MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); }};
 }

@@ -15,35 +15,49 @@ constexpr long kWriteBudget = 5000;           // milliseconds without progress
 constexpr long kPollPause = 20;               // milliseconds
 constexpr std::size_t kHandshakePiece = 256;  // bytes sent between two looks at DSR
 
-enum class Ready { yes, no, failed };
+enum class Line { ready, busy, failed };
 
-/// Waits for the printer to raise DSR as long as the budget lasts.
-Ready wait_for_dsr(int descriptor, SilenceBudget& budget) {
-  while (!budget.exhausted()) {
-    int lines = 0;
-    const int got = retry_interrupted([&] { return ioctl(descriptor, TIOCMGET, &lines); });
-    if (got == -1) return Ready::failed;
-    if ((lines & TIOCM_DSR) != 0) return Ready::yes;
-    pause_ms(kPollPause);
-    budget.spend(kPollPause);
-  }
-  return Ready::no;
+Line look_at_dsr(PortHandle port) {
+  const SerialPorts::Use descriptor(port);
+  int lines = 0;
+  const int got = retry_interrupted([&] { return ioctl(descriptor, TIOCMGET, &lines); });
+  if (got == -1) return Line::failed;
+  return (lines & TIOCM_DSR) != 0 ? Line::ready : Line::busy;
 }
 
-constexpr long kCallFailed = -1;
-constexpr long kLineFull = -2;
+void pause_and_spend(SilenceBudget& budget) {
+  pause_ms(kPollPause);
+  budget.spend(kPollPause);
+}
 
-/// Writes once and waits until it is on the line. The count written, `kLineFull` or `kCallFailed`.
-long write_and_drain(int descriptor, std::string_view bytes) {
-  const ssize_t written =
+/// Waits for the printer to raise DSR as long as the budget lasts.
+Line wait_for_dsr(PortHandle port, SilenceBudget& budget) {
+  while (!budget.exhausted()) {
+    const Line line = look_at_dsr(port);
+    if (line != Line::busy) return line;
+    pause_and_spend(budget);
+  }
+  return Line::busy;
+}
+
+struct Written {
+  Line line;
+  std::size_t count;
+};
+
+/// Writes once and waits until it is on the line; busy when the line takes nothing now.
+Written write_and_drain(PortHandle port, std::string_view bytes) {
+  const SerialPorts::Use descriptor(port);
+  const ssize_t count =
       retry_interrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
-  if (written == -1) return errno == EAGAIN ? kLineFull : kCallFailed;
-  if (retry_interrupted([&] { return tcdrain(descriptor); }) == -1) return kCallFailed;
-  return static_cast<long>(written);
+  if (count == -1) return {errno == EAGAIN ? Line::busy : Line::failed, 0};
+  if (retry_interrupted([&] { return tcdrain(descriptor); }) == -1) return {Line::failed, 0};
+  return {Line::ready, static_cast<std::size_t>(count)};
 }
 
 /// How many bytes wait to be read, or -1.
-long bytes_waiting(int descriptor) {
+long bytes_waiting(PortHandle port) {
+  const SerialPorts::Use descriptor(port);
   int waiting = 0;
   const int got = retry_interrupted([&] { return ioctl(descriptor, FIONREAD, &waiting); });
   return got == -1 ? -1 : waiting;
@@ -51,12 +65,12 @@ long bytes_waiting(int descriptor) {
 
 /// Waits until `min_length` bytes are there or the line was silent for the patience's time. How
 /// many bytes wait then, or -1.
-long wait_for_bytes(int descriptor, ReadPatience patience) {
+long wait_for_bytes(PortHandle port, ReadPatience patience) {
   SilenceBudget budget(patience.silence_ms);
-  long waiting = bytes_waiting(descriptor);
+  long waiting = bytes_waiting(port);
   while (waiting >= 0 && waiting < patience.min_length && !budget.exhausted()) {
     pause_ms(kPollPause);
-    const long now = bytes_waiting(descriptor);
+    const long now = bytes_waiting(port);
     now == waiting ? budget.spend(kPollPause) : budget.restore();
     waiting = now;
   }
@@ -65,47 +79,49 @@ long wait_for_bytes(int descriptor, ReadPatience patience) {
 
 }  // namespace
 
-long SerialWritePort(PortIndex port, std::string_view bytes) {
-  const int descriptor = serPorts[port].port;
-  const bool handshake = serPorts[port].originalPortSettings.flowControl == 'h';
+long SerialWritePort(PortHandle port, std::string_view bytes) {
+  const bool handshake = SerialPorts::copy(port).originalPortSettings.flowControl == 'h';
   SilenceBudget budget(kWriteBudget);
   std::size_t written = 0;
   while (written < bytes.size()) {
     std::string_view piece = rest_of(bytes, written);
     if (handshake) {
-      const Ready ready = wait_for_dsr(descriptor, budget);
-      if (ready == Ready::failed) return kRefused;
-      if (ready == Ready::no) break;
+      const Line line = wait_for_dsr(port, budget);
+      if (line == Line::failed) return kRefused;
+      if (line == Line::busy) break;
       piece = first_of(piece, kHandshakePiece);
     }
-    const long count = write_and_drain(descriptor, piece);
-    if (count == kCallFailed) return kRefused;
-    if (count == kLineFull) {
+    const auto [line, count] = write_and_drain(port, piece);
+    if (line == Line::failed) return kRefused;
+    if (line == Line::busy) {
       // The descriptor does not block, and a line that cannot be drained (a pseudo-terminal) may
       // be full. That is no failure until the printer has taken nothing for the whole budget.
-      pause_ms(kPollPause);
-      budget.spend(kPollPause);
+      pause_and_spend(budget);
       if (budget.exhausted()) return kRefused;
       continue;
     }
     if (count > 0) budget.restore();
-    written += static_cast<std::size_t>(count);
+    written += count;
   }
   return static_cast<long>(written);
 }
 
-void SerialWriteNow(PortIndex port, std::string_view bytes) {
+void SerialWriteNow(PortHandle port, std::string_view bytes) {
+  const SerialPorts::Use descriptor(port);
   // Whether it arrived shows in the answer, or in its absence.
-  (void)retry_interrupted([&] { return write(serPorts[port].port, bytes.data(), bytes.size()); });
+  (void)retry_interrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
 }
 
-long SerialReadPortPrv(PortIndex port, std::span<char> buffer, ReadPatience patience) {
-  const int descriptor = serPorts[port].port;
-  const long waiting = wait_for_bytes(descriptor, patience);
+long SerialReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience patience) {
+  const long waiting = wait_for_bytes(port, patience);
   if (waiting < 0 || waiting < patience.min_length) return kRefused;
   if (waiting == 0) return 0;
   const std::size_t length = std::min(static_cast<std::size_t>(waiting), buffer.size());
-  const ssize_t count = retry_interrupted([&] { return read(descriptor, buffer.data(), length); });
-  if (count == -1) return kRefused;
-  return static_cast<long>(count);
+  const long count = SerialPoll(port, buffer.first(length));
+  return count == -1 ? kRefused : count;
+}
+
+long SerialPoll(PortHandle port, std::span<char> buffer) {
+  const SerialPorts::Use descriptor(port);
+  return retry_interrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
 }

@@ -87,30 +87,31 @@ long serConfigurePort(SerPort& entry, const SerPortSettings& settings) {
 
 }  // namespace
 
-long SerialOpenPort(PortIndex port, const char* portName, const char* portSettings) {
-  SerPort entry{};
-  if (portSettings == nullptr || std::strlen(portSettings) >= sizeof entry.portSettings) {
+long SerialOpenPort(int entry, const char* portName, const char* portSettings) {
+  SerPort opened{};
+  if (portSettings == nullptr || std::strlen(portSettings) >= sizeof opened.portSettings) {
     return kNotAccepted;
   }
   const auto settings = parse_serial_settings(portSettings);
   if (!settings) return kNotAccepted;
 
-  entry.set = 1;
-  std::memcpy(entry.portName, portName, std::strlen(portName));
-  std::memcpy(entry.portSettings, portSettings, std::strlen(portSettings));
-  entry.port = retry_interrupted([&] { return open(portName, O_RDWR | O_NOCTTY | O_NONBLOCK); });
-  if (entry.port == -1) return kFailed;
-  const long configured = serConfigurePort(entry, *settings);
+  opened.set = 1;
+  std::memcpy(opened.portName, portName, std::strlen(portName));
+  std::memcpy(opened.portSettings, portSettings, std::strlen(portSettings));
+  opened.port = retry_interrupted([&] { return open(portName, O_RDWR | O_NOCTTY | O_NONBLOCK); });
+  if (opened.port == -1) return kFailed;
+  const long configured = serConfigurePort(opened, *settings);
   if (configured != 0) {
-    close(entry.port);
+    close(opened.port);
     return configured;
   }
-  serPorts[port] = entry;
+  SerialPorts::store(entry, opened);
   return 0;
 }
 
-void SerialClosePort(PortIndex port) {
-  tcflush(serPorts[port].port, TCIOFLUSH);
-  close(serPorts[port].port);
-  serPorts[port] = {};
+void SerialClosePort(PortHandle port) {
+  SerialPorts::release(port, [](int descriptor) {
+    tcflush(descriptor, TCIOFLUSH);
+    close(descriptor);
+  });
 }

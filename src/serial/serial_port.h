@@ -1,4 +1,4 @@
-// A serial port: opening, configuring, closing, and its bytes.
+// A serial port: opening, configuring, closing, its bytes, and its modem lines.
 #pragma once
 
 #include <span>
@@ -6,10 +6,14 @@
 
 #include "dispatch/transport.h"
 
+using SerialPorts = RegistryOf<serPorts, &SerPort::port>;
+
 // What the serial transport supplies; the contracts are those of `Transport`.
 
-long SerialOpenPort(PortIndex port, const char* portName, const char* portSettings);
-void SerialClosePort(PortIndex port);
-long SerialWritePort(PortIndex port, std::string_view bytes);
-void SerialWriteNow(PortIndex port, std::string_view bytes);
-long SerialReadPortPrv(PortIndex port, std::span<char> buffer, ReadPatience patience);
+long SerialOpenPort(int entry, const char* portName, const char* portSettings);
+void SerialClosePort(PortHandle port);
+long SerialWritePort(PortHandle port, std::string_view bytes);
+void SerialWriteNow(PortHandle port, std::string_view bytes);
+long SerialReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience patience);
+void SerialWatchLine(PortHandle port);
+long SerialPoll(PortHandle port, std::span<char> buffer);

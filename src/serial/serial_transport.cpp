@@ -9,13 +9,20 @@ constexpr std::string_view kPrefixes[] = {"/dev/ttyS"};
 constexpr Transport serial{
     .prefixes = kPrefixes,
     .state = serial_state,
-    .registry = RegistryOf<serPorts>::registry,
+    .registry = SerialPorts::registry,
     .open = SerialOpenPort,
     .close = SerialClosePort,
     .write = SerialWritePort,
     .write_now = SerialWriteNow,
     .read = SerialReadPortPrv,
+    .watch_line = SerialWatchLine,
+    .poll = SerialPoll,
     .status_exchange = {.drain_first = true, .after_query_ms = 20},
+    .patience = {.data = {.min_length = 1, .silence_ms = 200},
+                 .version = {.min_length = 1, .silence_ms = 200},
+                 .frame = {.min_length = 2, .silence_ms = 200}},
+    .short_write = {.cut = kRefused, .drawer = kRefused},
+    .release_pause_ms = 0,
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "dispatch/port_operations.h"
 #include "dispatch/system.h"
+#include "status/exchange.h"
 #include "status/sensor_reply.h"
 
 namespace {
@@ -27,7 +28,7 @@ constexpr int kSensorReads = 11;
 constexpr long kRetryPause = 100;  // milliseconds
 
 /// The last byte of the answer to a DLE EOT, or -1 when none comes.
-int ask_status_byte(const Transport& transport, PortIndex port, std::string_view query) {
+int ask_status_byte(const Transport& transport, PortHandle port, std::string_view query) {
   transport.write_now(port, query);
   pause_ms(transport.status_exchange.after_query_ms);
   for (int attempt = 0; attempt < kStatusReads; ++attempt) {
@@ -40,7 +41,7 @@ int ask_status_byte(const Transport& transport, PortIndex port, std::string_view
 }
 
 /// One answer to a sensor query, after at most 11 reads; 0 bytes when none comes.
-long read_sensor_answer(const Transport& transport, PortIndex port, std::span<char> answer) {
+long read_sensor_answer(const Transport& transport, PortHandle port, std::span<char> answer) {
   for (int reads = 1;; ++reads) {
     const long count = transport.read(port, answer, kAnswer);
     if (count > 0) return count;
@@ -58,7 +59,7 @@ void store_sensors(const TransportState& state, int sensor) {
 enum class Asked { answered_or_silent, nothing_sent, malformed };
 
 /// Asks the printer for its sensors and stores what it says.
-Asked ask_sensors(const Transport& transport, PortIndex port) {
+Asked ask_sensors(const Transport& transport, PortHandle port) {
   const TransportState& state = transport.state;
   store_sensors(state, 0);
   const std::string_view query(state.GetSensor, strnlen(state.GetSensor, sizeof state.GetSensor));
@@ -75,6 +76,12 @@ Asked ask_sensors(const Transport& transport, PortIndex port) {
     break;
   }
   return Asked::answered_or_silent;
+}
+
+/// The same with the monitor off the line.
+Asked ask_undisturbed(const Transport& transport, PortHandle port) {
+  const Exchange exchange(transport.state);
+  return ask_sensors(transport, port);
 }
 
 /// The code of the sensor that reports; 0 when none does.
@@ -105,7 +112,7 @@ long code_by_priority(const TransportState& state) {
 
 }  // namespace
 
-long ask_open_status(const Transport& transport, PortIndex port) {
+long ask_open_status(const Transport& transport, PortHandle port) {
   if (transport.status_exchange.drain_first) {
     std::array<char, 128> stale;
     transport.read(port, stale, kDrain);
@@ -119,23 +126,21 @@ long ask_open_status(const Transport& transport, PortIndex port) {
 }
 
 long get_printer_status(const Transport& transport, const char* portName) {
-  const PortIndex port = transport.registry.find(portName);
-  if (port == kNoPort) return kFailed;
+  const PortHandle port = transport.registry.find(portName);
+  if (!port) return kFailed;
   const TransportState& state = transport.state;
   const bool monitored = state.StopIt != 0;
   if (monitored && in_error_state(state)) {
     const long blocking = blocking_code(state);
     return blocking != kOk ? blocking : kCutterJam;
   }
-  if (monitored) state.bStopThread = 1;
-  const Asked asked = ask_sensors(transport, port);
-  if (monitored) state.bStopThread = 0;
+  const Asked asked = monitored ? ask_undisturbed(transport, port) : ask_sensors(transport, port);
   if (asked == Asked::nothing_sent) return kOk;
   return asked == Asked::malformed ? kFailed : code_by_priority(state);
 }
 
 long get_error(const Transport& transport, const char* portName) {
-  if (transport.registry.find(portName) == kNoPort) return kFailed;
+  if (!transport.registry.find(portName)) return kFailed;
   const TransportState& state = transport.state;
   if (state.bPowerOFF) return kOffline;
   const long blocking = blocking_code(state);
@@ -145,6 +150,6 @@ long get_error(const Transport& transport, const char* portName) {
 }
 
 long get_drawer_status(const Transport& transport, const char* portName) {
-  if (transport.registry.find(portName) == kNoPort) return kFailed;
+  if (!transport.registry.find(portName)) return kFailed;
   return transport.state.bDrawerOpened;
 }

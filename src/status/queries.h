@@ -9,4 +9,4 @@ long get_drawer_status(const Transport& transport, const char* portName);
 
 /// The exchange at the end of an open: 0 ready, 1 cover open, 2 paper out, -1 no answer. Sets no
 /// flag.
-long ask_open_status(const Transport& transport, PortIndex port);
+long ask_open_status(const Transport& transport, PortHandle port);

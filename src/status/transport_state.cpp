@@ -1,7 +1,5 @@
 #include "status/transport_state.h"
 
-#include <cstring>
-
 extern "C" {
 
 #define TZV_NUMBER(type, field, serial, parallel, usb, network, initial) \
@@ -24,24 +22,27 @@ int u_bProtocolStatus = 0;
 
 }  // extern "C"
 
+namespace {
+
+HandOver serial_hand_over, parallel_hand_over, usb_hand_over, network_hand_over;
+
+}  // namespace
+
 #define TZV_SERIAL(type, field, serial, ...) .field{serial},
 #define TZV_PARALLEL(type, field, serial, parallel, ...) .field{parallel},
 #define TZV_USB(type, field, serial, parallel, usb, ...) .field{usb},
 #define TZV_NETWORK(type, field, serial, parallel, usb, network, ...) .field{network},
 #define TZV_NETWORK_THREAD(type, field, serial, parallel, usb, network) .field{network},
 
-constinit const TransportState serial_state{TZV_STATE_FIELDS(TZV_SERIAL, TZV_SERIAL, TZV_SERIAL)};
+constinit const TransportState serial_state{
+    TZV_STATE_FIELDS(TZV_SERIAL, TZV_SERIAL, TZV_SERIAL).hand_over = serial_hand_over};
 constinit const TransportState parallel_state{
-    TZV_STATE_FIELDS(TZV_PARALLEL, TZV_PARALLEL, TZV_PARALLEL)};
-constinit const TransportState usb_state{TZV_STATE_FIELDS(TZV_USB, TZV_USB, TZV_USB)};
+    TZV_STATE_FIELDS(TZV_PARALLEL, TZV_PARALLEL, TZV_PARALLEL).hand_over = parallel_hand_over};
+constinit const TransportState usb_state{TZV_STATE_FIELDS(TZV_USB, TZV_USB, TZV_USB).hand_over =
+                                             usb_hand_over};
 constinit const TransportState network_state{
-    TZV_STATE_FIELDS(TZV_NETWORK, TZV_NETWORK, TZV_NETWORK_THREAD)};
+    TZV_STATE_FIELDS(TZV_NETWORK, TZV_NETWORK, TZV_NETWORK_THREAD).hand_over = network_hand_over};
 
 bool in_error_state(const TransportState& state) {
   return state.bCoverOpen || state.bPaperEmpty || state.bOffline || state.bCutterJam;
-}
-
-void drop_collected(const TransportState& state) {
-  state.PageSize = 0;
-  std::memset(state.PageBuffer, 0, TZV_PAGE_BUFFER_SIZE);
 }

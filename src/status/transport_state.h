@@ -28,6 +28,13 @@ class Field {
   Integer& variable_;
 };
 
+/// What callers and the monitor of a transport settle under a lock, beside the exported flags.
+struct HandOver {
+  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+  int exchanges = 0;  ///< callers that wait for an answer
+  int senders = 0;    ///< callers that are sending the collected job
+};
+
 struct TransportState {
 #define TZV_NUMBER(type, field, serial, parallel, usb, network, initial) Field<type> field;
 #define TZV_BYTES(size, field, serial, parallel, usb, network, initial) char(&field)[size];
@@ -36,6 +43,7 @@ struct TransportState {
 #undef TZV_NUMBER
 #undef TZV_BYTES
 #undef TZV_THREAD
+  HandOver& hand_over;
 };
 
 extern const TransportState serial_state;
@@ -45,6 +53,3 @@ extern const TransportState network_state;
 
 /// Cover open, paper out, offline or cutter jammed: output is refused.
 bool in_error_state(const TransportState& state);
-
-/// Empties the collected job: `PageSize` 0 and all of `PageBuffer` zero.
-void drop_collected(const TransportState& state);

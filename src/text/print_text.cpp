@@ -28,7 +28,7 @@ void store_columns(const TransportState& state, const LineColumns& columns) {
   state.RecSidewaysChars = columns.widest;
 }
 
-long print_text(const Transport& transport, PortIndex port, std::string_view text) {
+long print_text(const Transport& transport, PortHandle port, std::string_view text) {
   // What a transaction can hold bounds the output: longer text could not be confirmed.
   ByteBuffer commands(TZV_PAGE_BUFFER_SIZE);
   LineColumns columns = load_columns(transport.state);
@@ -43,7 +43,7 @@ long print_text(const Transport& transport, PortIndex port, std::string_view tex
 }  // namespace
 
 long print_normal(const Transport& transport, const char* portName, const char* writeBuffer) {
-  const PortIndex port = transport.registry.find(portName);
-  if (port == kNoPort || writeBuffer == nullptr) return kFailed;
+  const PortHandle port = transport.registry.find(portName);
+  if (!port || writeBuffer == nullptr) return kFailed;
   return print_text(transport, port, {writeBuffer, std::strlen(writeBuffer)});
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dispatch/bytes.h"
+#include "text/alignment.h"
 #include "text/escapes.h"
 #include "text/units.h"
 
@@ -19,9 +20,6 @@ constexpr std::string_view kEmphasisAndUnderlineOff = "\033E0\033-0"sv;
 constexpr std::string_view kUnderlineSingle = "\033-1"sv;
 constexpr std::string_view kUnderlineDouble = "\033-2"sv;
 constexpr std::string_view kReverseOn = "\035B\001"sv;
-constexpr std::string_view kAlignLeft = "\033a0"sv;
-constexpr std::string_view kAlignCenter = "\033a1"sv;
-constexpr std::string_view kAlignRight = "\033a2"sv;
 constexpr std::string_view kCut = "\033m"sv;
 
 constexpr char kLineFeed = '\n';

@@ -13,7 +13,7 @@ constexpr std::string_view kPrefixes[] = {"/dev/usb/lp", "/dev/usblp"};
 }  // namespace
 
 PortImpl GetUsbPortImpl() {
-  RegistryOf<usbPorts>::forget_all();
+  RegistryOf<usbPorts, &USBPort::port>::forget_all();
   return PortImpl{
       .MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); }};
 }

@@ -1,0 +1,79 @@
+#include "status/collected_job.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "dispatch/lock.h"
+#include "dispatch/results.h"
+
+namespace {
+
+/// The bytes held; none when an application wrote a size that cannot be. Called with the lock.
+std::string_view held(const TransportState& state) {
+  const long size = state.PageSize;
+  if (size < 0 || size > TZV_PAGE_BUFFER_SIZE) return {};
+  return {state.PageBuffer, static_cast<std::size_t>(size)};
+}
+
+/// Takes the first bytes out. Called with the lock.
+void take_out(const TransportState& state, std::size_t count) {
+  const std::size_t kept = held(state).size() - count;
+  std::memmove(state.PageBuffer, state.PageBuffer + count, kept);
+  std::memset(state.PageBuffer + kept, 0, TZV_PAGE_BUFFER_SIZE - kept);
+  state.PageSize = static_cast<long>(kept);
+}
+
+}  // namespace
+
+long collect(const TransportState& state, std::string_view bytes) {
+  const MutexLock lock(state.hand_over.mutex);
+  const long size = state.PageSize;
+  const long length = static_cast<long>(bytes.size());
+  // PageSize is exported, so an application may have written anything into it.
+  if (size < 0 || size > TZV_PAGE_BUFFER_SIZE || length > TZV_PAGE_BUFFER_SIZE - size) {
+    return kRefused;
+  }
+  std::memcpy(state.PageBuffer + size, bytes.data(), bytes.size());
+  state.PageSize = size + length;
+  return length;
+}
+
+void drop_collected(const TransportState& state) {
+  const MutexLock lock(state.hand_over.mutex);
+  take_out(state, held(state).size());
+}
+
+std::string_view collected(const TransportState& state) {
+  const MutexLock lock(state.hand_over.mutex);
+  return held(state);
+}
+
+std::size_t copy_collected(const TransportState& state, long offset, std::span<char> buffer) {
+  const MutexLock lock(state.hand_over.mutex);
+  const std::string_view job = held(state);
+  const auto start = std::min(static_cast<std::size_t>(offset), job.size());
+  const std::size_t count = std::min(buffer.size(), job.size() - start);
+  std::memcpy(buffer.data(), job.data() + start, count);
+  return count;
+}
+
+void confirm_collected(const TransportState& state, long confirmed) {
+  const MutexLock lock(state.hand_over.mutex);
+  // While a transaction collects or is being sent, its request is not out yet: the confirmation
+  // is a late one of an earlier job, and must not take the new receipt away.
+  if (state.TransactionPrint == 0 && state.hand_over.senders == 0) {
+    const std::size_t size = held(state).size();
+    take_out(state, confirmed < 0 ? size : std::min(static_cast<std::size_t>(confirmed), size));
+  }
+  state.OutputComplemetFlag = 1;
+}
+
+SendingJob::SendingJob(const TransportState& state) : state_(state) {
+  const MutexLock lock(state.hand_over.mutex);
+  ++state.hand_over.senders;
+}
+
+SendingJob::~SendingJob() {
+  const MutexLock lock(state_.hand_over.mutex);
+  --state_.hand_over.senders;
+}

@@ -1,0 +1,37 @@
+// The bytes that a transaction or reprint mode collects (`PageBuffer`, `PageSize`), which callers
+// fill and the monitor sends and empties.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "status/transport_state.h"
+
+/// Appends to the job: the count, or -2 when it does not fit any more (what is held stays).
+long collect(const TransportState& state, std::string_view bytes);
+
+/// Empties the job: `PageSize` 0 and all of `PageBuffer` zero.
+void drop_collected(const TransportState& state);
+
+/// The bytes collected so far. Valid until the job is emptied.
+std::string_view collected(const TransportState& state);
+
+/// Copies what stands from `offset` on into the buffer; the count, 0 at the job's end.
+std::size_t copy_collected(const TransportState& state, long offset, std::span<char> buffer);
+
+/// The monitor's reaction to a confirmation: takes the first `confirmed` bytes, or the whole job
+/// (-1), out of the buffer and sets `OutputComplemetFlag`.
+void confirm_collected(const TransportState& state, long confirmed = -1);
+
+/// While it lives, the caller reads the job to send it, so that a late confirmation of an earlier
+/// one leaves it alone.
+class SendingJob {
+ public:
+  explicit SendingJob(const TransportState& state);
+  ~SendingJob();
+  SendingJob(const SendingJob&) = delete;
+  SendingJob& operator=(const SendingJob&) = delete;
+
+ private:
+  const TransportState& state_;
+};

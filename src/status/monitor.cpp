@@ -1,0 +1,135 @@
+#include "status/monitor.h"
+
+#include <cstring>
+
+#include "dispatch/lock.h"
+#include "dispatch/system.h"
+#include "status/collected_job.h"
+#include "status/process_id.h"
+#include "status/report_decoder.h"
+
+namespace {
+
+constexpr std::string_view kEnableAllReports = "\035a\xff";  // GS a 255
+
+// Milliseconds.
+constexpr long kEnablePause = 100;
+constexpr long kIdleCycle = 500;
+constexpr long kFastCycle = 10;
+constexpr long kReprintPoll = 50;
+constexpr long kPauseBeforeReprint = 3000;
+
+constexpr int kPollsPerRequest = 40;
+constexpr int kRequestsBeforeGivingUp = 3;
+constexpr std::size_t kJobPiece = 16384;  // bytes copied at a time, so that callers need not wait
+
+StatusFlags load_flags(const TransportState& state) {
+  return {.cover_open = state.bCoverOpen,
+          .paper_empty = state.bPaperEmpty,
+          .paper_near_empty = state.bPaperNearEmpty,
+          .offline = state.bOffline,
+          .cutter_jam = state.bCutterJam,
+          .drawer_opened = state.bDrawerOpened};
+}
+
+/// Stores what a report changed and nothing else: a claim may set `bOffline` at the same time.
+void store_changes(const TransportState& state, const StatusFlags& before,
+                   const StatusFlags& after) {
+  const auto store = [](const Field<int>& field, int old_value, int value) {
+    if (value != old_value) field = value;
+  };
+  store(state.bCoverOpen, before.cover_open, after.cover_open);
+  store(state.bPaperEmpty, before.paper_empty, after.paper_empty);
+  store(state.bPaperNearEmpty, before.paper_near_empty, after.paper_near_empty);
+  store(state.bOffline, before.offline, after.offline);
+  store(state.bCutterJam, before.cutter_jam, after.cutter_jam);
+  store(state.bDrawerOpened, before.drawer_opened, after.drawer_opened);
+}
+
+}  // namespace
+
+Monitor::Monitor(const Transport& transport, const char* portName)
+    : transport_(transport), state_(transport.state) {
+  std::strncpy(port_name_, portName, sizeof port_name_ - 1);
+}
+
+bool Monitor::serves(const Transport& transport, const char* portName) const {
+  return &transport_ == &transport && std::strcmp(port_name_, portName) == 0;
+}
+
+void Monitor::cycle() {
+  port_ = transport_.registry.find(port_name_);
+  if (port_) {
+    if (state_.bOffline == 1) enable_reports();
+    transport_.watch_line(port_);
+    const long count = read_reports();
+    if (count >= static_cast<long>(kReportSize)) {
+      take_reports(received(count));
+    }
+  }
+  pause_ms(state_.bSleepFlag != 0 ? kFastCycle : kIdleCycle);
+}
+
+void Monitor::enable_reports() {
+  transport_.write_now(port_, kEnableAllReports);
+  state_.bOffline = 0;
+  pause_ms(kEnablePause);
+}
+
+/// Reads what is there, unless a caller waits for an answer. The lock makes the look at the flag
+/// and the read one step, so that no answer is taken from a caller.
+long Monitor::read_reports() {
+  const MutexLock lock(state_.hand_over.mutex);
+  if (state_.bStopThread != 0) return 0;
+  return transport_.poll(port_, received_);
+}
+
+void Monitor::take_reports(std::string_view reports) {
+  if (is_confirmation(reports)) confirm_collected(state_);
+  const StatusFlags before = load_flags(state_);
+  const DecodedReport decoded = decode_report(reports, before);
+  store_changes(state_, before, decoded.flags);
+  if (decoded.healthy && state_.RePrint != 0 && state_.PageSize > 0) reprint();
+}
+
+/// Sends the held job again and waits for its confirmation.
+void Monitor::reprint() {
+  pause_ms(kPauseBeforeReprint);
+  const long sent = resend_job();
+  const long count = wait_for_answer();
+  if (count > 0 && is_confirmation(received(count))) {
+    // What callers added since then has not been printed: it stays.
+    confirm_collected(state_, sent);
+  }
+}
+
+/// Sends the whole job, whatever state the printer is in. The count of bytes.
+long Monitor::resend_job() {
+  std::array<char, kJobPiece> piece;
+  long sent = 0;
+  for (;;) {
+    const std::size_t count = copy_collected(state_, sent, piece);
+    if (count == 0) return sent;
+    const long written = transport_.write(port_, {piece.data(), count});
+    if (written > 0) sent += written;
+    if (written != static_cast<long>(count)) return sent;
+  }
+}
+
+/// Polls until at least a report's length has come, asking the printer again now and then. The
+/// count read; 0 when given up or told to end.
+long Monitor::wait_for_answer() {
+  int polls = -1;
+  while (state_.StopIt != 0) {
+    if (++polls > kPollsPerRequest) {
+      if (++requests_ == kRequestsBeforeGivingUp) return 0;
+      transport_.write_now(port_, kProcessIdRequest);
+      polls = 0;
+    }
+    pause_ms(kReprintPoll);
+    transport_.watch_line(port_);
+    const long count = read_reports();
+    if (count >= static_cast<long>(kReportSize)) return count;
+  }
+  return 0;
+}

@@ -1,0 +1,34 @@
+// The printer's automatic status reports, as the monitor reads them. Pure: the bytes of one read
+// and the flags before, the flags after.
+#pragma once
+
+#include <string_view>
+
+/// The flags that reports change, 0 or 1 each.
+struct StatusFlags {
+  int cover_open = 0;
+  int paper_empty = 0;
+  int paper_near_empty = 0;
+  int offline = 0;
+  int cutter_jam = 0;
+  int drawer_opened = 0;
+
+  bool operator==(const StatusFlags&) const = default;
+};
+
+struct DecodedReport {
+  StatusFlags flags;
+  /// The printer reports itself ready for a job: a held one may be sent again.
+  bool healthy = false;
+};
+
+/// Bytes of one report. What one read returned may hold several; the last one counts, but for the
+/// drawer, on which all of them vote.
+inline constexpr std::size_t kReportSize = 4;
+
+/// Decodes what one read returned; shorter than a report, it changes nothing.
+DecodedReport decode_report(std::string_view received, const StatusFlags& before);
+
+/// Whether what one read returned is the answer to a process-ID request: everything before the
+/// request is printed.
+bool is_confirmation(std::string_view received);
