@@ -27,13 +27,23 @@ enum class CommandKind {
   kFullCut,
   kRealTimeStatus,  // argument: 1 to 4, which status
   kSensorQuery,
-  kAutomaticStatus,  // argument: bits, which reports
+  kAutomaticStatus,  // argument: bits, which reports; 0 none
+  kProcessId,        // data: the identifier to confirm with
+  kVersionQuery,
+  kSerialNumberQuery,
+  kStoreSerialNumber,  // data: count, "_", the number, checksum
+  kDrawerPulse,        // data: which connector, times on and off
+  kBeep,
+  kSelfTest,  // argument: 1 or 2, which page
+  kMarkQuery,
+  kFramedJob,  // data: the job
+  kNotice,     // data: a line of the printer's own; nothing that a till sends means this
 };
 
-// Commands with a block of data (images, symbols, frames) will add a payload member here.
 struct Command {
   CommandKind kind{};
   std::uint8_t argument = 0;
+  std::string data = {};
 
   bool operator==(const Command&) const = default;
 };
@@ -46,6 +56,14 @@ struct UnknownBytes {
   bool operator==(const UnknownBytes&) const = default;
 };
 
-using Decoded = std::variant<Command, UnknownBytes>;
+// A frame whose length or checksum is wrong.
+struct RefusedFrame {
+  std::size_t offset = 0;
+  std::string reason;
+
+  bool operator==(const RefusedFrame&) const = default;
+};
+
+using Decoded = std::variant<Command, UnknownBytes, RefusedFrame>;
 
 }  // namespace virtual_printer

@@ -1,18 +1,16 @@
 // A thermal receipt printer that is not there: a terminal device to print to, pictures to look at.
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <system_error>
-#include <vector>
+#include <variant>
 
+#include "control.h"
+#include "options.h"
 #include "port_link.h"
 #include "private_dev.h"
 #include "service.h"
@@ -23,39 +21,8 @@ namespace {
 
 // As other programs that run programs: their own failures must not look like the command's.
 constexpr int kOwnFailure = 125;
-constexpr int kBadUsage = 2;
 constexpr int kUnknownBytesMet = 3;
-
-constexpr std::string_view kPortPrefix = "/dev/ttyS";
-constexpr std::string_view kCommandMark = "--";
-
-struct Options {
-  std::string port = "/dev/ttyS-virtual";
-  std::string output = ".";
-  bool strict = false;
-  std::vector<std::string> command;
-};
-
-std::string check_port_name(const std::string& name) {
-  const bool good = name.starts_with(kPortPrefix) && name.size() > kPortPrefix.size() &&
-                    name.find('/', kPortPrefix.size()) == std::string::npos;
-  return good ? "" : "the name must begin with /dev/ttyS and go on without a slash";
-}
-
-void describe(CLI::App& app, Options& options) {
-  // The last of several counts, so that a script's defaults can be overridden.
-  app.option_defaults()->take_last();
-  app.add_option("--port", options.port, "Name of the port to print to")
-      ->check(CLI::Validator(check_port_name, "/dev/ttyS..."))
-      ->capture_default_str();
-  app.add_option("--output", options.output, "Folder for the receipts")
-      ->option_text("DIR")
-      ->capture_default_str();
-  app.add_flag("--strict", options.strict, "Exit status 3 if unknown bytes came");
-  app.footer(
-      "\nWith COMMAND, the printer runs it and ends with it; else it runs until interrupted.\n"
-      "Each cut writes receipt-NNN.png and receipt-NNN.txt; uncut paper is written at the end.");
-}
+constexpr int kRequestFailed = 1;
 
 bool is_refusal(const std::error_code& code) {
   return code == std::errc::permission_denied || code == std::errc::read_only_file_system ||
@@ -90,12 +57,23 @@ std::unique_ptr<PortName> name_port(const Options& options, const std::string& d
   }
 }
 
-int run(const Options& options) {
+// A printer whose conditions nobody can change still prints.
+std::unique_ptr<ControlSocket> open_control(const std::string& port) {
+  try {
+    return std::make_unique<ControlSocket>(control_path(port));
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "virtual-printer: set and status will not work: %s\n", error.what());
+    return nullptr;
+  }
+}
+
+int serve(const Options& options) {
   SignalQueue signals({SIGINT, SIGTERM, SIGHUP, SIGCHLD});
   std::signal(SIGPIPE, SIG_IGN);  // a reader of our lines that goes away must not end the printer
   PortLink link;
   const auto name = name_port(options, link.device());
-  Service service(link, signals, options.output);
+  const auto control = open_control(options.port);
+  Service service(link, signals, control.get(), options.service);
   std::printf("ready %s\n", options.port.c_str());
   std::fflush(stdout);
   int status = 0;
@@ -107,25 +85,22 @@ int run(const Options& options) {
   return options.strict && service.met_unknown_bytes() ? kUnknownBytesMet : status;
 }
 
-int run_command_line(int argc, char** argv) {
-  // The command's words are its own: not one of them is ours to interpret.
-  char** const end = argv + argc;
-  char** const mark = std::find(argv, end, kCommandMark);
-  Options options;
-  if (mark != end) options.command.assign(mark + 1, end);
-  CLI::App app(
-      "Plays a thermal receipt printer behind a serial port.\n"
-      "virtual-printer [OPTIONS] [-- COMMAND ARGS...]");
-  describe(app, options);
+int request(const Options& options) {
   try {
-    app.parse(static_cast<int>(mark - argv), argv);
-    if (mark != end && options.command.empty()) {
-      throw CLI::ValidationError("--", "COMMAND is missing");
-    }
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kBadUsage;
+    const ControlReply reply = ask_printer(options.port, text_of(*options.request));
+    std::fputs(reply.text.c_str(), stdout);
+    return reply.done ? 0 : kRequestFailed;
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "virtual-printer: %s\n", error.what());
+    return kRequestFailed;
   }
-  return run(options);
+}
+
+int run_command_line(int argc, char** argv) {
+  const auto parsed = parse_command_line(argc, argv);
+  if (const int* status = std::get_if<int>(&parsed)) return *status;
+  const auto& options = std::get<Options>(parsed);
+  return options.request ? request(options) : serve(options);
 }
 
 }  // namespace

@@ -1,13 +1,23 @@
 #include "printer.h"
 
+#include <utility>
 #include <variant>
+#include <vector>
+
+#include "frame.h"
+#include "printer_status.h"
 
 namespace virtual_printer {
 namespace {
 
+using namespace std::string_view_literals;
+
 // Paper that nobody cuts is delivered in pieces of about four metres, the longest that a picture
 // can hold, so that neither memory nor the picture grows without end.
 constexpr int kLongestPiece = 30000 * kHalfDotsPerDot;
+
+constexpr std::string_view kFrameTaken = "\x06\0"sv;
+constexpr std::string_view kFrameRefused = "\x15\0"sv;
 
 bool is_cut(CommandKind kind) {
   return kind == CommandKind::kPartialCut || kind == CommandKind::kFullCut;
@@ -16,27 +26,130 @@ bool is_cut(CommandKind kind) {
 }  // namespace
 
 void Printer::receive(std::string_view bytes) {
-  handle(parser_.feed(bytes));
+  parser_.feed(bytes);
+  if (is_off()) return forget_everything();
+  decode(Expectation::kMore);
 }
 
 void Printer::finish() {
-  handle(parser_.finish());
-  typesetter_.print_open_line();
+  decode(Expectation::kNothing);
+  if (!conditions_.stop_printing()) typesetter_.print_open_line();
   if (typesetter_.has_ink()) deliver(PaperEnd::kUncut);
 }
 
-void Printer::handle(const std::vector<Decoded>& decoded) {
-  for (const Decoded& item : decoded) {
-    if (const auto* unknown = std::get_if<UnknownBytes>(&item)) {
-      listener_.report_unknown(*unknown);
+void Printer::set(Condition condition, bool on) {
+  change(condition, on);
+  print_held();
+}
+
+void Printer::expect_fault(const ScriptedFault& fault) {
+  fault_ = fault;
+  let_fault_set_in();
+}
+
+void Printer::decode(Expectation expectation) {
+  while (!is_off()) {
+    const std::size_t begin = parser_.offset();
+    auto decoded = parser_.next(expectation);
+    if (!decoded) return;
+    take(std::move(*decoded), parser_.offset() - begin);
+    print_held();
+  }
+}
+
+// Whoever asks for the condition asks because of it: were these held back with the rest, nobody
+// would ever learn why the printer stands still.
+void Printer::take(Decoded decoded, std::size_t length) {
+  if (const auto* frame = std::get_if<RefusedFrame>(&decoded)) return refuse(*frame, length);
+  const auto* command = std::get_if<Command>(&decoded);
+  if (command != nullptr && command->kind == CommandKind::kRealTimeStatus) {
+    return listener_.answer(real_time_status(command->argument, conditions_));
+  }
+  if (command != nullptr && command->kind == CommandKind::kAutomaticStatus) {
+    reports_enabled_ = command->argument != 0;
+    if (reports_enabled_) listener_.answer(status_report(conditions_));
+    return;
+  }
+  if (command != nullptr && command->kind == CommandKind::kFramedJob) {
+    return take_frame(command->data);
+  }
+  hold(std::move(decoded), length);
+}
+
+// The frame's trailer is the last that was decoded, so the job's place on the line is known.
+void Printer::take_frame(const std::string& job) {
+  listener_.answer(kFrameTaken);
+  CommandParser parser(parser_.offset() - kFrameTrailerLength - job.size());
+  parser.feed(job);
+  while (true) {
+    const std::size_t begin = parser.offset();
+    auto decoded = parser.next(Expectation::kNothing);
+    if (!decoded) return;
+    const std::size_t length = parser.offset() - begin;
+    const auto* command = std::get_if<Command>(&*decoded);
+    if (command != nullptr && command->kind == CommandKind::kFramedJob) {
+      refuse({begin, "a frame within a frame"}, length);
     } else {
-      carry_out(std::get<Command>(item));
+      take(std::move(*decoded), length);
     }
   }
 }
 
+void Printer::refuse(const RefusedFrame& frame, std::size_t length) {
+  listener_.answer(kFrameRefused);
+  listener_.report_refused(frame);
+  hold(Command{CommandKind::kNotice, 0, "FRAME REFUSED: " + frame.reason}, length);
+}
+
+void Printer::hold(Decoded decoded, std::size_t length) {
+  held_.push_back({std::move(decoded), length});
+  held_bytes_ += length;
+}
+
+void Printer::print_held() {
+  while (!held_.empty() && !conditions_.stop_printing() && !is_off()) {
+    const Held next = std::move(held_.front());
+    held_.pop_front();
+    held_bytes_ -= next.length;
+    carry_out(next.decoded);
+    let_fault_set_in();
+  }
+}
+
+void Printer::carry_out(const Decoded& decoded) {
+  if (const auto* unknown = std::get_if<UnknownBytes>(&decoded)) {
+    listener_.report_unknown(*unknown);
+  } else if (const auto* command = std::get_if<Command>(&decoded)) {
+    carry_out(*command);
+  }
+}
+
 void Printer::carry_out(const Command& command) {
-  if (const auto reply = reply_to(command, condition_)) return listener_.answer(*reply);
+  switch (command.kind) {
+    case CommandKind::kSensorQuery:
+      return listener_.answer(sensor_reply(conditions_));
+    case CommandKind::kMarkQuery:
+      return listener_.answer(mark_reply(conditions_));
+    case CommandKind::kProcessId:
+      return listener_.answer(process_id_reply(command.data));
+    case CommandKind::kVersionQuery:
+      return listener_.answer(version_reply());
+    case CommandKind::kSerialNumberQuery:
+      return listener_.answer(serial_number_reply(identity_));
+    case CommandKind::kStoreSerialNumber:
+      return store(command.data);
+    case CommandKind::kDrawerPulse:
+      return change(Condition::kDrawerOpen, true);
+    case CommandKind::kBeep:
+      return listener_.beep();
+    case CommandKind::kSelfTest:
+      return start_self_test(command.argument);
+    default:
+      return print(command);
+  }
+}
+
+void Printer::print(const Command& command) {
   if (command.kind == CommandKind::kInitialize && typesetter_.open_characters() > 0) {
     listener_.report_forgotten(typesetter_.open_characters());
   }
@@ -48,8 +161,50 @@ void Printer::carry_out(const Command& command) {
   }
 }
 
+// The page goes before all that is held; a fault in its middle holds back its rest like any job's.
+void Printer::start_self_test(int page) {
+  typesetter_.print_open_line();
+  CommandParser parser;
+  parser.feed(self_test_page(page, identity_));
+  std::vector<Held> commands;
+  while (auto decoded = parser.next()) commands.push_back({std::move(*decoded), 0});
+  held_.insert(held_.begin(), commands.begin(), commands.end());
+}
+
+void Printer::store(const std::string& content) {
+  const std::string acknowledgement = store_serial_number(content, identity_);
+  listener_.store_serial_number(identity_.serial_number);
+  listener_.answer(acknowledgement);
+}
+
 void Printer::deliver(PaperEnd end) {
   listener_.deliver(typesetter_.tear_off(), end);
+}
+
+void Printer::change(Condition condition, bool on) {
+  if (!conditions_.set(condition, on)) return;
+  listener_.report_condition(condition, on);
+  if (is_off()) {
+    forget_everything();
+  } else if (reports_enabled_ && condition != Condition::kMarkSeen) {
+    listener_.answer(status_report(conditions_));
+  }
+}
+
+// Offsets go on counting: what is lost was received all the same.
+void Printer::forget_everything() {
+  parser_ = CommandParser(parser_.end());
+  held_.clear();
+  held_bytes_ = 0;
+  reports_enabled_ = false;
+  typesetter_.reset();
+}
+
+void Printer::let_fault_set_in() {
+  if (!fault_ || printed_lines() < fault_->after_lines) return;
+  const Condition condition = fault_->condition;
+  fault_.reset();
+  change(condition, true);
 }
 
 }  // namespace virtual_printer

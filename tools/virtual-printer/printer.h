@@ -2,12 +2,16 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "command.h"
 #include "command_parser.h"
-#include "printer_status.h"
+#include "conditions.h"
+#include "identity.h"
 #include "receipt.h"
 #include "typesetter.h"
 
@@ -15,7 +19,8 @@ namespace virtual_printer {
 
 enum class PaperEnd { kCut, kUncut };
 
-// What the printer does to the world. A page in a browser would be one more of these.
+// What the printer does to the world. A page in a browser would be one more of these. It may not
+// call the printer back.
 class PrinterListener {
  public:
   PrinterListener() = default;
@@ -24,31 +29,76 @@ class PrinterListener {
   virtual ~PrinterListener() = default;
 
   virtual void answer(std::string_view bytes) = 0;
+  virtual void beep() = 0;
   virtual void report_unknown(const UnknownBytes& unknown) = 0;
+  virtual void report_refused(const RefusedFrame& frame) = 0;
   // An initialise command made the printer forget text that no line feed had printed.
   virtual void report_forgotten(std::size_t characters) = 0;
+  virtual void report_condition(Condition condition, bool on) = 0;
+  virtual void store_serial_number(const std::string& number) = 0;
   virtual void deliver(const Receipt& receipt, PaperEnd end) = 0;
 };
 
 class Printer {
  public:
-  explicit Printer(PrinterListener& listener) : listener_(listener) {}
+  explicit Printer(PrinterListener& listener, Identity identity = {})
+      : listener_(listener), identity_(std::move(identity)) {}
 
+  // What is obeyed on arrival is obeyed; the rest is printed, or held while a condition stops
+  // printing.
   void receive(std::string_view bytes);
 
-  // Nothing more will come: what is printed or waits to be printed is delivered uncut.
+  // While a frame is unfinished, its sender's silence says that it is broken.
+  bool waits_for_frame() const { return parser_.waits_for_frame(); }
+  void line_is_silent() { decode(Expectation::kNoMoreOfFrame); }
+
+  // Nothing more will come: what is printed or waits to be printed is delivered uncut. What a
+  // condition holds back stays unprinted.
   void finish();
 
-  PrinterCondition& condition() { return condition_; }
+  // Goes on printing when the condition was the last that stopped it.
+  void set(Condition condition, bool on);
+
+  // At zero lines it sets in now.
+  void expect_fault(const ScriptedFault& fault);
+
+  const Conditions& conditions() const { return conditions_; }
+  std::size_t printed_lines() const { return typesetter_.printed_lines(); }
+  std::size_t held_bytes() const { return held_bytes_ + parser_.end() - parser_.offset(); }
 
  private:
-  void handle(const std::vector<Decoded>& decoded);
+  struct Held {
+    Decoded decoded;
+    std::size_t length;  // bytes on the line
+  };
+
+  void decode(Expectation expectation);
+  void take(Decoded decoded, std::size_t length);
+  void take_frame(const std::string& job);
+  void refuse(const RefusedFrame& frame, std::size_t length);
+  void hold(Decoded decoded, std::size_t length);
+  void print_held();
+  bool is_off() const { return conditions_.has(Condition::kPowerOff); }
+
+  void carry_out(const Decoded& decoded);
   void carry_out(const Command& command);
+  void print(const Command& command);
+  void start_self_test(int page);
+  void store(const std::string& content);
   void deliver(PaperEnd end);
 
+  void change(Condition condition, bool on);
+  void forget_everything();
+  void let_fault_set_in();
+
   PrinterListener& listener_;
+  Identity identity_;
   CommandParser parser_;
-  PrinterCondition condition_;
+  std::deque<Held> held_;  // in the order in which it is to be printed
+  std::size_t held_bytes_ = 0;
+  Conditions conditions_;
+  bool reports_enabled_ = false;
+  std::optional<ScriptedFault> fault_;
   Typesetter typesetter_;
 };
 

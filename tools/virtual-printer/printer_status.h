@@ -1,20 +1,23 @@
-// The printer's condition and what it answers when asked for it. Automatic reports, the printer's
-// identity and the confirmation of a job belong here, too, when they come.
+// What the printer answers when it is asked for its condition, and what it reports unasked.
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <string>
 
-#include "command.h"
+#include "conditions.h"
 
 namespace virtual_printer {
 
-struct PrinterCondition {
-  bool cover_open = false;
-  bool paper_out = false;
-};
+// The answer to DLE EOT 1 to 4, one byte.
+std::string real_time_status(std::uint8_t which, const Conditions& conditions);
 
-// The answer to a query, or nothing when the command is none.
-std::optional<std::string> reply_to(const Command& command, const PrinterCondition& condition);
+// The four bytes of an automatic report.
+std::string status_report(const Conditions& conditions);
+
+std::string sensor_reply(const Conditions& conditions);
+std::string mark_reply(const Conditions& conditions);
+
+// Confirms that all before the request is printed; the identifier is the request's.
+std::string process_id_reply(const std::string& identifier);
 
 }  // namespace virtual_printer

@@ -2,9 +2,15 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
+#include <utility>
+
+#include "control_request.h"
+#include "memory_file.h"
 
 namespace virtual_printer {
 namespace {
@@ -12,6 +18,22 @@ namespace {
 // More than the kernel keeps for a pseudo-terminal's reader (12 KiB). Whoever sends without end
 // must not keep the printer from ending.
 constexpr std::size_t kMostThatWaits = 32768;
+
+// How long a till may pause within a frame before the frame counts as broken.
+constexpr std::chrono::milliseconds kFrameSilence{1000};
+
+// Whatever is due later is seen on waking up in between.
+constexpr std::int64_t kLongestWaitMs = 3600 * 1000;
+
+// A line for whoever watches, at once.
+void say(const std::string& line) {
+  std::printf("%s\n", line.c_str());
+  std::fflush(stdout);
+}
+
+std::string switch_word(bool on) {
+  return on ? " on" : " off";
+}
 
 std::string hex_of(std::string_view bytes) {
   std::string text;
@@ -25,56 +47,159 @@ std::string hex_of(std::string_view bytes) {
 
 }  // namespace
 
+Service::Service(PortLink& link, SignalQueue& signals, ControlSocket* control,
+                 ServiceOptions options)
+    : link_(link),
+      signals_(signals),
+      control_(control),
+      options_(std::move(options)),
+      files_(options_.output_folder),
+      answers_(options_.answer_faults),
+      printer_(*this, read_memory(options_.memory_file)) {}
+
 void Service::run() {
+  power_up();
   while (true) {
-    wait();
-    print_waiting_bytes();
+    serve_once();
     if (const auto signal = signals_.next(); signal && *signal != SIGCHLD) break;
   }
   finish();
 }
 
 int Service::run(const std::vector<std::string>& command) {
+  power_up();
   ChildProcess child(command);
-  while (true) {
-    wait();
-    print_waiting_bytes();
+  std::optional<int> status;
+  // A command that has sent all and ended does not keep its receipt from being printed when the
+  // printer is about to recover.
+  while (!status || (recovery_due_ && printer_.held_bytes() > 0)) {
+    serve_once();
     while (const auto signal = signals_.next()) {
-      if (*signal != SIGCHLD) child.send_signal(*signal);
+      if (*signal == SIGCHLD) continue;
+      if (status) recovery_due_.reset();
+      if (!status) child.send_signal(*signal);
     }
-    if (const auto status = child.ended()) {
-      finish();
-      return *status;
-    }
+    if (!status && (status = child.ended())) print_all_waiting_bytes();
   }
+  finish();
+  return *status;
+}
+
+void Service::power_up() {
+  if (options_.fault) printer_.expect_fault(*options_.fault);
+}
+
+void Service::serve_once() {
+  wait();
+  print_waiting_bytes();
+  act_on_time();
+  if (control_ == nullptr) return;
+  control_->serve([this](const std::string& request) {
+    print_all_waiting_bytes();  // what was sent before the request is printed before it
+    return control(request);
+  });
 }
 
 void Service::wait() const {
-  std::array<pollfd, 2> sources{
-      {{link_.descriptor(), POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}}};
-  if (poll(sources.data(), sources.size(), -1) < 0 && errno != EINTR) {
+  std::vector<pollfd> sources{{link_.descriptor(), POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
+  if (control_ != nullptr) {
+    for (const int descriptor : control_->descriptors()) sources.push_back({descriptor, POLLIN, 0});
+  }
+  int timeout_ms = -1;
+  if (const auto deadline = next_deadline()) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now());
+    timeout_ms = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, kLongestWaitMs));
+  }
+  if (poll(sources.data(), sources.size(), timeout_ms) < 0 && errno != EINTR) {
     check(-1, "cannot wait for the line");
   }
 }
 
+std::optional<Clock::time_point> Service::next_deadline() const {
+  std::optional<Clock::time_point> next;
+  for (const auto& deadline : {answers_.next_due(), recovery_due_, frame_due_}) {
+    if (deadline && (!next || *deadline < *next)) next = deadline;
+  }
+  return next;
+}
+
+void Service::act_on_time() {
+  const Clock::time_point now = Clock::now();
+  if (recovery_due_ && *recovery_due_ <= now) {
+    recovery_due_.reset();
+    printer_.set(options_.fault->condition, false);
+  }
+  if (frame_due_ && *frame_due_ <= now) {
+    frame_due_.reset();
+    printer_.line_is_silent();
+  }
+  send_due_answers();
+}
+
+ControlReply Service::control(const std::string& request) {
+  const auto parsed = parse_control_request(request);
+  if (!parsed) return {false, "the printer does not understand: " + request};
+  if (!parsed->change) return {true, status()};
+  printer_.set(parsed->change->condition, parsed->change->on);
+  send_due_answers();
+  return {true, ""};
+}
+
+std::string Service::status() const {
+  std::string text;
+  for (const Condition condition : kAllConditions) {
+    text +=
+        std::string(name_of(condition)) + switch_word(printer_.conditions().has(condition)) + "\n";
+  }
+  const auto count = [&](const char* name, std::size_t number) {
+    text += std::string(name) + " " + std::to_string(number) + "\n";
+  };
+  count("receipts", receipt_count_);
+  count("lines", printer_.printed_lines());
+  count("unknown bytes", unknown_bytes_);
+  count("refused frames", refused_count_);
+  count("bytes held", printer_.held_bytes());
+  return text;
+}
+
 std::size_t Service::print_waiting_bytes() {
   const std::string bytes = link_.read_waiting();
+  if (bytes.empty()) return 0;
   printer_.receive(bytes);
+  frame_due_.reset();
+  if (printer_.waits_for_frame()) frame_due_ = Clock::now() + kFrameSilence;
+  send_due_answers();
   return bytes.size();
 }
 
-void Service::finish() {
+void Service::print_all_waiting_bytes() {
   std::size_t total = 0;
   while (total < kMostThatWaits) {
     const std::size_t length = print_waiting_bytes();
     if (length == 0) break;
     total += length;
   }
+}
+
+void Service::finish() {
+  print_all_waiting_bytes();
   printer_.finish();
+  if (printer_.held_bytes() > 0) {
+    std::fprintf(stderr, "bytes held back, never printed: %zu\n", printer_.held_bytes());
+  }
   if (unknown_count_ > 0) std::fprintf(stderr, "unknown commands in all: %zu\n", unknown_count_);
+  if (refused_count_ > 0) std::fprintf(stderr, "refused frames in all: %zu\n", refused_count_);
 }
 
 void Service::answer(std::string_view bytes) {
+  answers_.push(bytes, Clock::now());
+}
+
+void Service::send_due_answers() {
+  while (const auto bytes = answers_.pop_due(Clock::now())) send(*bytes);
+}
+
+void Service::send(std::string_view bytes) {
   const std::size_t taken = link_.write(bytes);
   if (taken < bytes.size()) {
     std::fprintf(stderr, "answer lost, nobody reads the line:%s\n",
@@ -82,19 +207,44 @@ void Service::answer(std::string_view bytes) {
   }
 }
 
+void Service::beep() {
+  say("beep");
+}
+
 void Service::report_unknown(const UnknownBytes& unknown) {
   ++unknown_count_;
+  unknown_bytes_ += unknown.bytes.size();
   std::fprintf(stderr, "unknown bytes at %zu:%s\n", unknown.offset, hex_of(unknown.bytes).c_str());
+}
+
+void Service::report_refused(const RefusedFrame& frame) {
+  ++refused_count_;
+  std::fprintf(stderr, "frame refused at %zu: %s\n", frame.offset, frame.reason.c_str());
 }
 
 void Service::report_forgotten(std::size_t characters) {
   std::fprintf(stderr, "initialise before a line feed: %zu characters not printed\n", characters);
 }
 
+// A printer without power says nothing, not even what it was about to say.
+void Service::report_condition(Condition condition, bool on) {
+  say("condition " + std::string(name_of(condition)) + switch_word(on));
+  if (condition == Condition::kPowerOff && on) answers_.clear();
+  if (!options_.fault || options_.fault->condition != condition || !options_.recovery) return;
+  if (!on) {
+    recovery_due_.reset();
+  } else if (!std::exchange(fault_has_set_in_, true)) {
+    recovery_due_ = Clock::now() + *options_.recovery;
+  }
+}
+
+void Service::store_serial_number(const std::string& number) {
+  write_memory(options_.memory_file, number);
+}
+
 void Service::deliver(const Receipt& receipt, PaperEnd end) {
-  const std::string path = files_.write(receipt, end).string();
-  std::printf("receipt %s\n", path.c_str());
-  std::fflush(stdout);
+  ++receipt_count_;
+  say("receipt " + files_.write(receipt, end).string());
 }
 
 }  // namespace virtual_printer

@@ -1,11 +1,14 @@
 // Serves one line: feeds the printer from it, tells people what comes out.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "answer_queue.h"
 #include "child_process.h"
+#include "control.h"
 #include "port_link.h"
 #include "printer.h"
 #include "receipt_files.h"
@@ -13,10 +16,18 @@
 
 namespace virtual_printer {
 
+struct ServiceOptions {
+  std::string output_folder = ".";
+  std::string memory_file;  // empty: the serial number lives as long as the process
+  std::optional<ScriptedFault> fault;
+  std::optional<std::chrono::milliseconds> recovery;  // from the fault on
+  AnswerFaults answer_faults;
+};
+
 class Service : private PrinterListener {
  public:
-  Service(PortLink& link, SignalQueue& signals, const std::string& output_directory)
-      : link_(link), signals_(signals), files_(output_directory) {}
+  // The control socket may be missing.
+  Service(PortLink& link, SignalQueue& signals, ControlSocket* control, ServiceOptions options);
 
   // Serves until a signal ends it.
   void run();
@@ -25,23 +36,45 @@ class Service : private PrinterListener {
   // Signals to end are passed on to the command.
   int run(const std::vector<std::string>& command);
 
-  bool met_unknown_bytes() const { return unknown_count_ > 0; }
+  bool met_unknown_bytes() const { return unknown_count_ > 0 || refused_count_ > 0; }
 
  private:
   void answer(std::string_view bytes) override;
+  void beep() override;
   void report_unknown(const UnknownBytes& unknown) override;
+  void report_refused(const RefusedFrame& frame) override;
   void report_forgotten(std::size_t characters) override;
+  void report_condition(Condition condition, bool on) override;
+  void store_serial_number(const std::string& number) override;
   void deliver(const Receipt& receipt, PaperEnd end) override;
 
+  void power_up();
+  void serve_once();
   void wait() const;
+  std::optional<Clock::time_point> next_deadline() const;
+  void act_on_time();
+  void send_due_answers();
+  void send(std::string_view bytes);
+  ControlReply control(const std::string& request);
+  std::string status() const;
   std::size_t print_waiting_bytes();  // one read's worth, so that signals are seen between
+  void print_all_waiting_bytes();
   void finish();
 
   PortLink& link_;
   SignalQueue& signals_;
+  ControlSocket* control_;
+  ServiceOptions options_;
   ReceiptFiles files_;
-  Printer printer_{*this};
-  std::size_t unknown_count_ = 0;
+  AnswerQueue answers_;
+  Printer printer_;
+  bool fault_has_set_in_ = false;
+  std::optional<Clock::time_point> recovery_due_;
+  std::optional<Clock::time_point> frame_due_;
+  std::size_t unknown_count_ = 0;  // reports
+  std::size_t unknown_bytes_ = 0;
+  std::size_t refused_count_ = 0;
+  std::size_t receipt_count_ = 0;
 };
 
 }  // namespace virtual_printer

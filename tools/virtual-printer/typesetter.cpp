@@ -28,13 +28,10 @@ void Typesetter::execute(const Command& command) {
       return feed_line();
     case CommandKind::kTab:
       return add_tab();
-    case CommandKind::kInitialize: {
-      // As a printer does: settings back to their defaults and the open line forgotten.
-      Receipt paper = tear_off();
-      *this = Typesetter();
-      paper_ = std::move(paper);
-      return;
-    }
+    case CommandKind::kInitialize:
+      return reset();
+    case CommandKind::kNotice:
+      return print_notice(command.data);
     case CommandKind::kEmphasis:
       style_.bold = command.argument != 0;
       return;
@@ -61,11 +58,24 @@ void Typesetter::execute(const Command& command) {
       return print_open_line();
     case CommandKind::kCarriageReturn:  // the line feed alone ends a line
     case CommandKind::kColour:          // the paper knows one colour
-    case CommandKind::kRealTimeStatus:
-    case CommandKind::kSensorQuery:
-    case CommandKind::kAutomaticStatus:
+    default:                            // what concerns the printer, not the paper
       return;
   }
+}
+
+void Typesetter::reset() {
+  Typesetter fresh;
+  fresh.paper_ = tear_off();
+  fresh.printed_lines_ = printed_lines_;
+  *this = std::move(fresh);
+}
+
+void Typesetter::print_notice(std::string_view text) {
+  print_open_line();
+  Style style;
+  style.reverse = true;
+  for (const char character : text) add_character(static_cast<std::uint8_t>(character), style);
+  feed_line();
 }
 
 bool Typesetter::has_ink() const {
@@ -139,6 +149,7 @@ void Typesetter::feed_line() {
   const int height = (open_.ascent + open_.descent) * kHalfDotsPerDot;
   paper_.length += std::max(line_spacing_, height);
   paper_.lines.push_back(std::exchange(open_, Line()));
+  ++printed_lines_;
   open_width_ = 0;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "command.h"
 #include "receipt.h"
@@ -15,12 +16,19 @@ class Typesetter {
   // Carries out one command; those that do not concern the paper do nothing.
   void execute(const Command& command);
 
+  // Settings as at the start, the open line forgotten; what is on paper stays there.
+  void reset();
+
+  // A line of the printer's own, white on black: whatever the till's settings are, it stands out.
+  void print_notice(std::string_view text);
+
   // Characters that stand on the open line, not yet on paper.
   std::size_t open_characters() const { return open_.cells.size(); }
 
   bool has_fed() const { return paper_.length > 0; }
   bool has_ink() const;
   int length() const { return paper_.length; }
+  std::size_t printed_lines() const { return printed_lines_; }  // ever
 
   // Hands over the printed paper and goes on with a fresh piece; the open line stays open.
   Receipt tear_off();
@@ -43,6 +51,7 @@ class Typesetter {
   int open_width_ = 0;  // units
   Line open_;
   Receipt paper_;
+  std::size_t printed_lines_ = 0;
 
   static constexpr int kDefaultLineSpacing = 30 * kHalfDotsPerDot;  // six lines to the inch
 };

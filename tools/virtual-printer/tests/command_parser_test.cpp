@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace virtual_printer {
@@ -13,11 +14,22 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::string_view_literals;
 
+// All that can be decoded, given what is expected to come.
+std::vector<Decoded> decode(CommandParser& parser, Expectation expectation) {
+  std::vector<Decoded> decoded;
+  while (auto item = parser.next(expectation)) decoded.push_back(std::move(*item));
+  return decoded;
+}
+
+std::vector<Decoded> feed(CommandParser& parser, std::string_view bytes) {
+  parser.feed(bytes);
+  return decode(parser, Expectation::kMore);
+}
+
 std::vector<Decoded> decode(std::string_view bytes) {
   CommandParser parser;
-  auto decoded = parser.feed(bytes);
-  for (auto& item : parser.finish()) decoded.push_back(item);
-  return decoded;
+  parser.feed(bytes);
+  return decode(parser, Expectation::kNothing);
 }
 
 Decoded command(CommandKind kind, int argument = 0) {
@@ -110,9 +122,9 @@ TEST(CommandParser, every_split_gives_the_same_commands) {
       std::vector<Decoded> pieces;
       for (const auto piece :
            {kBytes.substr(0, first), kBytes.substr(first, second - first), kBytes.substr(second)}) {
-        for (auto& item : parser.feed(piece)) pieces.push_back(item);
+        for (auto& item : feed(parser, piece)) pieces.push_back(item);
       }
-      for (auto& item : parser.finish()) pieces.push_back(item);
+      for (auto& item : decode(parser, Expectation::kNothing)) pieces.push_back(item);
       ASSERT_EQ(pieces, whole) << "split at " << first << " and " << second;
     }
   }
@@ -120,8 +132,8 @@ TEST(CommandParser, every_split_gives_the_same_commands) {
 
 TEST(CommandParser, unfinished_command_waits_for_its_rest) {
   CommandParser parser;
-  EXPECT_THAT(parser.feed("\x1b#SEN"), IsEmpty());
-  EXPECT_THAT(parser.feed("SOR"), ElementsAre(command(CommandKind::kSensorQuery)));
+  EXPECT_THAT(feed(parser, "\x1b#SEN"), IsEmpty());
+  EXPECT_THAT(feed(parser, "SOR"), ElementsAre(command(CommandKind::kSensorQuery)));
 }
 
 TEST(CommandParser, unfinished_command_at_the_end_is_unknown) {
@@ -162,10 +174,10 @@ TEST(CommandParser, stray_control_bytes_are_unknown_one_by_one) {
 
 TEST(CommandParser, offsets_count_over_all_feeds) {
   CommandParser parser;
-  parser.feed(
-      "12345\x1b"
-      "E1");
-  EXPECT_THAT(parser.feed("\x02"), ElementsAre(unknown(8, "\x02")));
+  feed(parser,
+       "12345\x1b"
+       "E1");
+  EXPECT_THAT(feed(parser, "\x02"), ElementsAre(unknown(8, "\x02")));
 }
 
 }  // namespace

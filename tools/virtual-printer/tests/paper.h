@@ -26,9 +26,8 @@ inline constexpr std::string_view kCut{"\x1bi"};
 inline Receipt printed(std::string_view bytes) {
   CommandParser parser;
   Typesetter typesetter;
-  for (const Decoded& decoded : parser.feed(bytes)) {
-    typesetter.execute(std::get<Command>(decoded));
-  }
+  parser.feed(bytes);
+  while (const auto decoded = parser.next()) typesetter.execute(std::get<Command>(*decoded));
   typesetter.print_open_line();
   return typesetter.tear_off();
 }

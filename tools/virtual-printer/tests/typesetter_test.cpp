@@ -115,9 +115,9 @@ TEST(Typesetter, no_cell_reaches_beyond_the_tallest_on_its_line) {
 }
 
 TEST(Typesetter, empty_feeds_are_lines_without_ink) {
-  CommandParser parser;
   Typesetter typesetter;
-  for (const auto& item : parser.feed("\n\n")) typesetter.execute(std::get<Command>(item));
+  typesetter.execute({CommandKind::kLineFeed});
+  typesetter.execute({CommandKind::kLineFeed});
   EXPECT_TRUE(typesetter.has_fed());
   EXPECT_FALSE(typesetter.has_ink());
 }

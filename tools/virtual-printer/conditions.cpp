@@ -1,0 +1,50 @@
+#include "conditions.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace virtual_printer {
+namespace {
+
+// By the value of Condition.
+constexpr std::array<std::string_view, kAllConditions.size()> kNames{
+    "cover", "paper-out", "near-end", "jam", "drawer", "offline", "power-off", "mark",
+};
+
+}  // namespace
+
+std::string_view name_of(Condition condition) {
+  return kNames[static_cast<std::size_t>(condition)];
+}
+
+std::optional<Condition> condition_named(std::string_view name) {
+  const auto* const found =
+      std::find_if(kAllConditions.begin(), kAllConditions.end(),
+                   [&](Condition condition) { return name_of(condition) == name; });
+  return found == kAllConditions.end() ? std::nullopt : std::optional(*found);
+}
+
+bool Conditions::set(Condition condition, bool present) {
+  if (has(condition) == present) return false;
+  present_[index_of(condition)] = present;
+  return true;
+}
+
+bool Conditions::stop_printing() const {
+  return has(Condition::kCoverOpen) || has(Condition::kPaperOut) || has(Condition::kCutterJam) ||
+         has(Condition::kOffline);
+}
+
+std::optional<ScriptedFault> parse_scripted_fault(std::string_view text) {
+  const std::size_t mark = text.find('@');
+  if (mark == std::string_view::npos) return std::nullopt;
+  const auto condition = condition_named(text.substr(0, mark));
+  const std::string_view line = text.substr(mark + 1);
+  std::size_t after_lines = 0;
+  const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), after_lines);
+  if (!condition || error != std::errc() || end != line.data() + line.size()) return std::nullopt;
+  return ScriptedFault{*condition, after_lines};
+}
+
+}  // namespace virtual_printer

@@ -1,0 +1,58 @@
+// What can be the matter with the printer, and the names by which people say it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace virtual_printer {
+
+enum class Condition {
+  kCoverOpen,
+  kPaperOut,
+  kPaperNearEnd,
+  kCutterJam,
+  kDrawerOpen,
+  kOffline,
+  kPowerOff,
+  kMarkSeen,  // the black mark's sensor sees one
+};
+
+// In the order in which people are shown them.
+inline constexpr std::array kAllConditions{
+    Condition::kCoverOpen,  Condition::kPaperOut, Condition::kPaperNearEnd, Condition::kCutterJam,
+    Condition::kDrawerOpen, Condition::kOffline,  Condition::kPowerOff,     Condition::kMarkSeen,
+};
+
+std::string_view name_of(Condition condition);
+std::optional<Condition> condition_named(std::string_view name);
+
+class Conditions {
+ public:
+  bool has(Condition condition) const { return present_[index_of(condition)]; }
+
+  // Whether that changed anything.
+  bool set(Condition condition, bool present);
+
+  // Something that a person has to put right first.
+  bool stop_printing() const;
+
+ private:
+  static std::size_t index_of(Condition condition) { return static_cast<std::size_t>(condition); }
+
+  std::array<bool, kAllConditions.size()> present_{};
+};
+
+// A condition that sets in by itself, once.
+struct ScriptedFault {
+  Condition condition{};
+  std::size_t after_lines = 0;  // printed since the start; 0: on power-up
+
+  bool operator==(const ScriptedFault&) const = default;
+};
+
+// As people write it, "paper-out@12"; nothing when it is not well-formed.
+std::optional<ScriptedFault> parse_scripted_fault(std::string_view text);
+
+}  // namespace virtual_printer
