@@ -4,7 +4,6 @@
 
 #include <cerrno>
 
-#include "serial/serial_port.h"
 #include "support/links.h"
 #include "tzvio.h"
 
@@ -261,42 +260,30 @@ TEST_F(SerialIo, failing_calls_of_a_read_give_minus_2) {
   EXPECT_EQ(ReadPort(kPort, buffer, 8), 3);
 }
 
-// What an operation that waits for more than one byte gets; ReadPort waits for one.
-long read_at_least(long min_length, long silence_ms, std::span<char> buffer) {
-  return SerialReadPortPrv(0, buffer, {.min_length = min_length, .silence_ms = silence_ms});
-}
-
-TEST_F(SerialIo, the_time_out_counts_silence_not_time) {
-  // A byte each 150 ms: six bytes take 900 ms although the time-out is 200.
-  for (int64_t i = 1; i <= 6; ++i) {
-    kernel.at(started_ms + i * 150, [this] { printer.input += 'x'; });
+// A frame's answer is read with a minimum of two bytes; ReadPort waits for one.
+class FrameAnswer : public SerialIo {
+ protected:
+  FrameAnswer() {
+    s_bProtocol = 1;
+    s_PageSize = 1;
   }
-  char buffer[8];
-  EXPECT_EQ(read_at_least(6, 200, buffer), 6);
-  EXPECT_EQ(elapsed_ms(), 900);
+};
+
+TEST_F(FrameAnswer, the_time_out_counts_silence_not_time) {
+  kernel.at(started_ms + 190, [this] { printer.input += 'x'; });
+  kernel.at(started_ms + 380, [this] { printer.input += 'x'; });
+  EXPECT_EQ(TransactionPrint(kPort, 0), 4);
+  EXPECT_EQ(elapsed_ms(), 380) << "longer than the time-out of 200 ms, in one read";
+  EXPECT_EQ(kernel.log("read"), std::vector<std::string>{"read 2 = 2"});
 }
 
-TEST_F(SerialIo, silence_after_too_few_bytes_gives_minus_2_and_leaves_them) {
+TEST_F(FrameAnswer, silence_after_too_few_bytes_ends_a_read_and_leaves_them) {
   kernel.at(started_ms + 100, [this] { printer.input = "x"; });
-  char buffer[8];
-  EXPECT_EQ(read_at_least(2, 200, buffer), -2);
-  EXPECT_EQ(elapsed_ms(), 300);
-  EXPECT_EQ(printer.input, "x");
-}
-
-TEST_F(SerialIo, a_minimum_of_0_takes_what_is_there) {
-  char buffer[8];
-  EXPECT_EQ(read_at_least(0, 200, buffer), 0);
-  EXPECT_EQ(kernel.count("read"), 0U);
-  printer.input = "abc";
-  EXPECT_EQ(read_at_least(0, 200, buffer), 3);
-  EXPECT_EQ(elapsed_ms(), 0);
-}
-
-TEST_F(SerialIo, a_time_out_that_is_no_multiple_of_the_poll_is_rounded_up) {
-  char buffer[8];
-  EXPECT_EQ(read_at_least(1, 30, buffer), -2);
-  EXPECT_EQ(elapsed_ms(), 40);
+  kernel.at(started_ms + 400, [this] { printer.input += "y"; });
+  EXPECT_EQ(TransactionPrint(kPort, 0), 4);
+  // 100 ms and 200 of silence, 10 ms pause, then the second byte comes.
+  EXPECT_EQ(elapsed_ms(), 410);
+  EXPECT_EQ(kernel.log("read"), std::vector<std::string>{"read 2 = 2"});
 }
 
 TEST_F(SerialIo, a_count_that_fails_while_waiting_gives_minus_2) {

@@ -1,6 +1,7 @@
 // The calls that the library makes, defined by the test program: for a plugged device they go to
 // the scripted kernel, for everything else to libc.
 #include <dlfcn.h>
+#include <pthread.h>
 #include <sys/types.h>
 #include <termios.h>
 #include <unistd.h>
@@ -118,6 +119,19 @@ unsigned int sleep(unsigned int seconds) {
   }
   kernel().sleep_us("sleep", int64_t{seconds} * 1000000);
   return 0;
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                   void* argument) noexcept {
+  if (kernel().active()) return kernel().create_thread(thread, attributes, start, argument);
+  static const auto libc = real<decltype(pthread_create)>("pthread_create");
+  return libc(thread, attributes, start, argument);
+}
+
+int pthread_join(pthread_t thread, void** result) {
+  if (kernel().active()) return kernel().join_thread(thread, result);
+  static const auto libc = real<decltype(pthread_join)>("pthread_join");
+  return libc(thread, result);
 }
 
 }  // extern "C"

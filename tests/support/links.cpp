@@ -1,5 +1,7 @@
 #include "support/links.h"
 
+#include <sys/ioctl.h>
+
 #include "tzvio.h"
 
 namespace testkit {
@@ -10,6 +12,7 @@ const std::vector<Link> kLinks = {
 
 EveryLink::EveryLink() : printer(kernel.plug(link.port)) {
   printer.answer_ready();
+  printer.modem_lines = TIOCM_DSR;
   EXPECT_EQ(OpenPort(port, link.settings.c_str()), 0);
   printer.output.clear();
   printer.writes.clear();

@@ -7,7 +7,7 @@ namespace testkit {
 namespace {
 
 std::map<std::string, std::string, std::less<>>& aliases() {
-  static std::map<std::string, std::string, std::less<>> names;
+  static auto& names = *new std::map<std::string, std::string, std::less<>>;
   return names;
 }
 

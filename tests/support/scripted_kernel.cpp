@@ -1,5 +1,6 @@
 #include "support/scripted_kernel.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/ioctl.h>
 
@@ -37,6 +38,15 @@ std::string describe_queue(int queue) {
 
 }  // namespace
 
+const std::string kProcessIdRequest(
+    "\x1d(H\x06\x00\x30\x30"
+    "FFFF",
+    11);
+const std::string kProcessIdAnswer(
+    "\x37\x22"
+    "FFFF\x00",
+    7);
+
 std::string hex(std::string_view bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;
@@ -57,7 +67,11 @@ std::string Call::line() const {
 }
 
 void SerialDevice::answer(std::string_view query, std::string_view reply, int64_t delay_ms) {
-  answers_.push_back({std::string(query), std::string(reply), delay_ms});
+  answers_.push_back({std::string(query), std::string(reply), delay_ms, false});
+}
+
+void SerialDevice::confirm_jobs(int64_t delay_ms) {
+  answers_.push_back({kProcessIdRequest, kProcessIdAnswer, delay_ms, true});
 }
 
 void SerialDevice::answer_ready() {
@@ -66,11 +80,15 @@ void SerialDevice::answer_ready() {
 }
 
 Kernel& Kernel::instance() {
-  static Kernel kernel;
+  // Never destroyed: the library's unload hook still makes calls after the program's own end.
+  static Kernel& kernel = *new Kernel;
   return kernel;
 }
 
 void Kernel::reset(bool active) {
+  threads_.clear();
+  threads_.push_back(std::make_unique<Participant>());
+  running_ = threads_.front().get();
   active_ = active;
   now_us_ = 0;
   next_descriptor_ = kFirstDescriptor;
@@ -177,7 +195,7 @@ ssize_t Kernel::write(int descriptor, const void* bytes, std::size_t size) {
   device.output += taken;
   device.writes.push_back(taken);
   for (const SerialDevice::Answer& answer : device.answers_) {
-    if (answer.query != taken) continue;
+    if (answer.query != taken && !(answer.at_end && taken.ends_with(answer.query))) continue;
     if (answer.delay_ms == 0) {
       device.input += answer.reply;
     } else {
@@ -234,7 +252,93 @@ int Kernel::tcdrain(int) {
 
 void Kernel::sleep_us(std::string_view name, int64_t microseconds) {
   record(name, std::to_string(microseconds), 0);
-  run_events_until(now_us_ + microseconds);
+  std::unique_lock lock(turns_);
+  Participant* self = running_;
+  self->wake_us = now_us_ + microseconds;
+  hand_over(lock, self);
+}
+
+struct Kernel::NewThread {
+  Kernel& kernel;
+  Participant* participant;
+  void* (*start)(void*);
+  void* argument;
+};
+
+int Kernel::create_thread(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*start)(void*), void* argument) {
+  const Fault met = take_fault("pthread_create");
+  if (met.error != 0) return static_cast<int>(record("pthread_create", "", met.error));
+  record("pthread_create", "", 0);
+  Participant* created = threads_.emplace_back(std::make_unique<Participant>()).get();
+  created->wake_us = now_us_;
+  created->order = ++orders_;
+  static const auto libc =
+      reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  const int result =
+      libc(thread, attributes, run_thread, new NewThread{*this, created, start, argument});
+  created->thread = *thread;
+  return result;
+}
+
+void* Kernel::run_thread(void* argument) {
+  const std::unique_ptr<NewThread> started(static_cast<NewThread*>(argument));
+  Kernel& kernel = started->kernel;
+  {
+    std::unique_lock lock(kernel.turns_);
+    started->participant->turn.wait(lock, [&] { return kernel.running_ == started->participant; });
+  }
+  void* const result = started->start(started->argument);
+  std::unique_lock lock(kernel.turns_);
+  started->participant->ended = true;
+  kernel.running_ = kernel.due_first();
+  kernel.running_->turn.notify_one();
+  return result;
+}
+
+int Kernel::join_thread(pthread_t thread, void** result) {
+  record("pthread_join", "", 0);
+  {
+    // The joined thread sleeps and works on; the joiner looks again each time it could run.
+    std::unique_lock lock(turns_);
+    const auto found = std::find_if(threads_.begin(), threads_.end(), [&](const auto& other) {
+      return pthread_equal(other->thread, thread) != 0;
+    });
+    const Participant* joined = found == threads_.end() ? nullptr : found->get();
+    Participant* self = running_;
+    while (joined != nullptr && !joined->ended) {
+      self->wake_us = joined->wake_us;
+      hand_over(lock, self);
+    }
+  }
+  static const auto libc =
+      reinterpret_cast<decltype(&pthread_join)>(dlsym(RTLD_NEXT, "pthread_join"));
+  const int code = libc(thread, result);
+  std::erase_if(threads_, [&](const auto& other) {
+    return other->ended && pthread_equal(other->thread, thread) != 0;
+  });
+  return code;
+}
+
+Kernel::Participant* Kernel::due_first() {
+  Participant* first = nullptr;
+  for (const auto& thread : threads_) {
+    if (thread->ended) continue;
+    if (first == nullptr || thread->wake_us < first->wake_us ||
+        (thread->wake_us == first->wake_us && thread->order < first->order)) {
+      first = thread.get();
+    }
+  }
+  run_events_until(first->wake_us);
+  return first;
+}
+
+void Kernel::hand_over(std::unique_lock<std::mutex>& lock, Participant* self) {
+  self->order = ++orders_;
+  running_ = due_first();
+  if (running_ == self) return;
+  running_->turn.notify_one();
+  self->turn.wait(lock, [&] { return running_ == self; });
 }
 
 void Kernel::run_events_until(int64_t us) {
@@ -243,7 +347,7 @@ void Kernel::run_events_until(int64_t us) {
     now_us_ = std::max(now_us_, event.key());
     event.mapped()();
   }
-  now_us_ = us;
+  now_us_ = std::max(now_us_, us);
 }
 
 }  // namespace testkit

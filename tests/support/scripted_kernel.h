@@ -14,15 +14,20 @@
 //   EXPECT_THAT(kernel.log("tcsetattr"), ElementsAre("tcsetattr now = -1"));
 //
 // The clock stands still but for sleeps. What is scheduled with `at()` happens when a sleep passes
-// its time, in order.
+// its time, in order. Threads that the library starts take part: one thread runs at a time, until
+// it sleeps, joins or ends, and then the one whose sleep ends first runs on. So a test with a
+// monitor behaves the same each time, and its half seconds cost nothing.
 #pragma once
 
+#include <pthread.h>
 #include <termios.h>
 
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,12 +62,15 @@ class SerialDevice {
   void mute() { answers_.clear(); }
   /// Answers an open as a printer that is ready.
   void answer_ready();
+  /// Whenever a write ends with a process-ID request, confirms it `delay_ms` later.
+  void confirm_jobs(int64_t delay_ms = 0);
 
  private:
   friend class Kernel;
   struct Answer {
     std::string query, reply;
     int64_t delay_ms;
+    bool at_end;  // of a longer write, too
   };
   std::vector<Answer> answers_;
 };
@@ -81,6 +89,11 @@ class Kernel {
   void fail(const std::string& name, int error, int nth = 1);
   /// The `nth` next call of that name moves at most `bytes` bytes.
   void shorten(const std::string& name, std::size_t bytes, int nth = 1);
+
+  /// Lets the test's own thread sleep, so that the others run.
+  void run_for(int64_t ms) { sleep_us("test", ms * 1000); }
+  /// How many threads the library has running.
+  std::size_t threads() const { return threads_.size() - 1; }
 
   /// Does something when the clock reaches that many milliseconds.
   void at(int64_t ms, std::function<void()> action);
@@ -108,6 +121,9 @@ class Kernel {
   int tcflush(int descriptor, int queue);
   int tcdrain(int descriptor);
   void sleep_us(std::string_view name, int64_t microseconds);
+  int create_thread(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                    void* argument);
+  int join_thread(pthread_t thread, void** result);
   /// Takes note of a call without a device; true when it is to fail, with errno set.
   bool fails(std::string_view name);
 
@@ -127,7 +143,25 @@ class Kernel {
   bool fault(std::string_view name, const std::string& detail, const Fault& fault);
   void run_events_until(int64_t us);
 
+  /// A thread that takes part: when it is to run on, and its place among those of equal time.
+  struct Participant {
+    pthread_t thread{};
+    int64_t wake_us = 0;
+    uint64_t order = 0;
+    bool ended = false;
+    std::condition_variable turn;
+  };
+  struct NewThread;
+  static void* run_thread(void* argument);
+  /// Lets the participant run that is due first, and waits for the own turn again.
+  void hand_over(std::unique_lock<std::mutex>& lock, Participant* self);
+  Participant* due_first();
+
   bool active_ = false;
+  std::mutex turns_;
+  std::vector<std::unique_ptr<Participant>> threads_;  // the test's own first
+  Participant* running_ = nullptr;
+  uint64_t orders_ = 0;
   int64_t now_us_ = 0;
   int next_descriptor_ = 0;
   std::map<std::string, std::unique_ptr<SerialDevice>, std::less<>> devices_;
@@ -136,6 +170,10 @@ class Kernel {
   std::multimap<int64_t, std::function<void()>> events_;
   std::vector<Call> calls_;
 };
+
+/// The request that a printer answers when all before it is printed, and its answer.
+extern const std::string kProcessIdRequest;
+extern const std::string kProcessIdAnswer;
 
 /// "1B 40" and so on.
 std::string hex(std::string_view bytes);
