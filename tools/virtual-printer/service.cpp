@@ -23,7 +23,7 @@ constexpr std::size_t kMostThatWaits = 32768;
 constexpr std::chrono::milliseconds kFrameSilence{1000};
 
 // Whatever is due later is seen on waking up in between.
-constexpr std::int64_t kLongestWaitMs = 3600 * 1000;
+constexpr std::int64_t kLongestWaitMs = 3600000;
 
 // A line for whoever watches, at once.
 void say(const std::string& line) {

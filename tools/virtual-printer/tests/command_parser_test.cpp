@@ -7,11 +7,14 @@
 #include <utility>
 #include <vector>
 
+#include "framed.h"
+
 namespace virtual_printer {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 // All that can be decoded, given what is expected to come.
@@ -36,6 +39,10 @@ Decoded command(CommandKind kind, int argument = 0) {
   return Command{kind, static_cast<std::uint8_t>(argument)};
 }
 
+Decoded block(CommandKind kind, std::string_view data) {
+  return Command{kind, 0, std::string(data)};
+}
+
 Decoded text(char character) {
   return command(CommandKind::kText, character);
 }
@@ -46,7 +53,7 @@ Decoded unknown(std::size_t offset, std::string_view bytes) {
 
 struct Row {
   const char* name;
-  std::string_view bytes;
+  std::string bytes;
   Decoded expected;
 };
 
@@ -62,7 +69,7 @@ TEST(CommandParser, knows_each_command) {
        "E\x01",
        command(CommandKind::kEmphasis, 1)},
       {"underline of two dots", "\x1b-2", command(CommandKind::kUnderline, 2)},
-      {"underline off by value", "\x1b-\0"sv, command(CommandKind::kUnderline, 0)},
+      {"underline off by value", "\x1b-\0"s, command(CommandKind::kUnderline, 0)},
       {"print mode", "\x1b!F", command(CommandKind::kPrintMode, 0x46)},
       {"print mode that is a digit", "\x1b!0", command(CommandKind::kPrintMode, 0x30)},
       {"colour", "\x1br0", command(CommandKind::kColour, 0)},
@@ -99,6 +106,20 @@ TEST(CommandParser, knows_each_command) {
        "a\xff",
        command(CommandKind::kAutomaticStatus, 0xff)},
       {"real-time status", "\x10\x04\x02", command(CommandKind::kRealTimeStatus, 2)},
+      {"process ID", "\x1d(H\x06\0\x30\x30WXYZ"s, block(CommandKind::kProcessId, "WXYZ")},
+      {"process ID of any bytes", "\x1d(H\x06\0\x30\x30\0\x1b\n\xff"s,
+       block(CommandKind::kProcessId, "\0\x1b\n\xff"sv)},
+      {"version query", "\x1dID", command(CommandKind::kVersionQuery)},
+      {"serial number query", "\x1dIC", command(CommandKind::kSerialNumberQuery)},
+      {"serial number", "\x1d#\x03_AB\x5c", block(CommandKind::kStoreSerialNumber, "\x03_AB\x5c")},
+      {"empty serial number", "\x1d#\x01__", block(CommandKind::kStoreSerialNumber, "\x01__")},
+      {"drawer pulse by digit", "\x1bp0\x64\xc8", block(CommandKind::kDrawerPulse, "0\x64\xc8")},
+      {"drawer pulse by value", "\x1bp\x01\0\0"s, block(CommandKind::kDrawerPulse, "\x01\0\0"sv)},
+      {"beep", "\x1b#ERROR", command(CommandKind::kBeep)},
+      {"first self-test", "\x1b#MENU1", command(CommandKind::kSelfTest, 1)},
+      {"second self-test", "\x1b#MENU2", command(CommandKind::kSelfTest, 2)},
+      {"mark query", "\x1b#BM?", command(CommandKind::kMarkQuery)},
+      {"frame", framed("job"), block(CommandKind::kFramedJob, "job")},
       {"line feed", "\n", command(CommandKind::kLineFeed)},
       {"carriage return", "\r", command(CommandKind::kCarriageReturn)},
       {"tab", "\t", command(CommandKind::kTab)},
@@ -114,6 +135,8 @@ TEST(CommandParser, every_split_gives_the_same_commands) {
       "B0\x1b"
       "a0\x1b"
       "3<ab\x1b|cA\x10\x04\x04\x1b#SENSOR"
+      "\x1d(H\x06\0\x30\x30\x31\x31\x1b\n\x1d#\x02_A\x1e\x1bp0dd\x1b#BM?\x1d#\x02X"
+      "\x1b#FRAME\x01\0\x02\x02\x41\x42\x03\0\x83\x04"
       "\x1b#SENT\x1d(\x1cq\x1c\x01\x1b\x1b\x1bm\x10\x07\n\x1b"sv;
   const auto whole = decode(kBytes);
   for (std::size_t first = 0; first <= kBytes.size(); ++first) {
@@ -128,6 +151,43 @@ TEST(CommandParser, every_split_gives_the_same_commands) {
       ASSERT_EQ(pieces, whole) << "split at " << first << " and " << second;
     }
   }
+}
+
+TEST(CommandParser, block_that_begins_wrong_is_not_waited_for) {
+  CommandParser parser;
+  EXPECT_THAT(feed(parser, "\x1d#\xc8X"),
+              ElementsAre(unknown(0, "\x1d#"), text('\xc8'), text('X')));
+  EXPECT_THAT(feed(parser, "\x1d#\0_"sv),
+              ElementsAre(unknown(4, "\x1d#"), unknown(6, "\0"sv), text('_')));
+  EXPECT_THAT(feed(parser, "\x1bp7AB"),
+              ElementsAre(unknown(8, "\x1bp"), text('7'), text('A'), text('B')));
+}
+
+TEST(CommandParser, broken_frame_is_refused_when_the_line_is_silent) {
+  CommandParser parser;
+  EXPECT_THAT(feed(parser, "ab" + with_wrong_checksum(framed("job")) + "\n"),
+              ElementsAre(text('a'), text('b')));
+  EXPECT_TRUE(parser.waits_for_frame());
+  EXPECT_THAT(
+      decode(parser, Expectation::kNoMoreOfFrame),
+      ElementsAre(Decoded(RefusedFrame{2, "wrong checksum"}), command(CommandKind::kLineFeed)));
+  EXPECT_FALSE(parser.waits_for_frame());
+}
+
+TEST(CommandParser, frame_that_ends_too_early_is_refused_when_the_line_is_silent) {
+  CommandParser parser;
+  EXPECT_THAT(feed(parser, framed("job").substr(0, 12)), IsEmpty());
+  EXPECT_THAT(decode(parser, Expectation::kNoMoreOfFrame),
+              ElementsAre(Decoded(RefusedFrame{0, "wrong length"})));
+  EXPECT_EQ(parser.offset(), 12U);
+}
+
+TEST(CommandParser, silence_means_nothing_to_other_commands) {
+  CommandParser parser;
+  feed(parser, "\x1b#SEN");
+  EXPECT_FALSE(parser.waits_for_frame());
+  EXPECT_THAT(decode(parser, Expectation::kNoMoreOfFrame), IsEmpty());
+  EXPECT_THAT(feed(parser, "SOR"), ElementsAre(command(CommandKind::kSensorQuery)));
 }
 
 TEST(CommandParser, unfinished_command_waits_for_its_rest) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "framed.h"
 #include "paper.h"
 #include "text_rendition.h"
 
@@ -42,7 +43,16 @@ struct Recorder : PrinterListener {
   std::vector<std::pair<std::string, PaperEnd>> papers;
 };
 
+constexpr std::string_view kReportsOn = "\x1d\x61\xff";
+const std::string kProcessId = "\x1d(H\x06\0\x30\x30ID01"s;
+const std::string kConfirmed = "7\"ID01\0"s;
+const std::string kHealthy = "\x14\0\0\x0f"s;
+const std::string kCoverReport = "\x3c\0\0\x0f"s;
+
 struct PrinterTest : testing::Test {
+  // What was answered since the last time.
+  std::string answered() { return std::exchange(recorder.answers, ""); }
+
   Recorder recorder;
   Printer printer{recorder};
 };
@@ -104,6 +114,264 @@ TEST_F(PrinterTest, endless_paper_is_delivered_in_pieces) {
   ASSERT_THAT(recorder.papers, SizeIs(2));
   EXPECT_EQ(recorder.papers[0].second, PaperEnd::kUncut);
   EXPECT_THAT(recorder.papers[1], Pair("last\n", PaperEnd::kCut));
+}
+
+TEST_F(PrinterTest, reports_come_at_enabling_and_at_every_change) {
+  printer.set(Condition::kDrawerOpen, true);
+  printer.set(Condition::kDrawerOpen, false);
+  EXPECT_EQ(answered(), "");
+  printer.receive(kReportsOn);
+  EXPECT_EQ(answered(), kHealthy);
+  printer.set(Condition::kCoverOpen, true);
+  EXPECT_EQ(answered(), kCoverReport);
+  printer.set(Condition::kCoverOpen, true);
+  EXPECT_EQ(answered(), "");
+  printer.set(Condition::kCoverOpen, false);
+  EXPECT_EQ(answered(), kHealthy);
+  printer.set(Condition::kMarkSeen, true);
+  EXPECT_EQ(answered(), "");
+}
+
+TEST_F(PrinterTest, reports_end_when_they_are_disabled) {
+  printer.receive(kReportsOn);
+  printer.receive("\x1d\x61\0"s);
+  answered();
+  printer.set(Condition::kCoverOpen, true);
+  EXPECT_EQ(answered(), "");
+}
+
+TEST_F(PrinterTest, each_change_is_told_once) {
+  printer.set(Condition::kPaperOut, true);
+  printer.set(Condition::kPaperOut, true);
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_THAT(recorder.changes, ElementsAre("paper-out on", "paper-out off"));
+}
+
+TEST_F(PrinterTest, every_fault_holds_back_what_comes_until_it_is_over) {
+  for (const Condition fault :
+       {Condition::kCoverOpen, Condition::kPaperOut, Condition::kCutterJam, Condition::kOffline}) {
+    recorder.papers.clear();
+    printer.receive("a\nb");
+    printer.set(fault, true);
+    printer.receive("c\n\x1bi");
+    EXPECT_THAT(recorder.papers, IsEmpty()) << name_of(fault);
+    EXPECT_EQ(printer.held_bytes(), 4U) << name_of(fault);
+    printer.set(fault, false);
+    EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\nbc\n", PaperEnd::kCut))) << name_of(fault);
+    EXPECT_EQ(printer.held_bytes(), 0U) << name_of(fault);
+  }
+}
+
+TEST_F(PrinterTest, all_faults_must_be_over_before_it_goes_on) {
+  printer.set(Condition::kCoverOpen, true);
+  printer.set(Condition::kPaperOut, true);
+  printer.receive(kProcessId);
+  printer.set(Condition::kCoverOpen, false);
+  EXPECT_EQ(answered(), "");
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_EQ(answered(), kConfirmed);
+}
+
+TEST_F(PrinterTest, fault_does_not_hold_back_the_questions_about_it) {
+  printer.set(Condition::kCoverOpen, true);
+  printer.receive("text\x10\x04\x02");
+  EXPECT_EQ(answered(), "\x16");
+  printer.receive(kReportsOn);
+  EXPECT_EQ(answered(), kCoverReport);
+  printer.receive("\x1b#SENSOR");
+  EXPECT_EQ(answered(), "");
+}
+
+TEST_F(PrinterTest, process_id_waits_for_all_before_it) {
+  printer.receive("a\n" + kProcessId);
+  EXPECT_EQ(answered(), kConfirmed);
+  printer.set(Condition::kPaperOut, true);
+  printer.receive("b\n\x1bi" + kProcessId);
+  EXPECT_EQ(answered(), "");
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_EQ(answered(), kConfirmed);
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\nb\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, scripted_fault_stops_between_two_lines) {
+  printer.expect_fault({Condition::kPaperOut, 2});
+  printer.receive("a\nb\nc\nd\n\x1bi" + kProcessId);
+  EXPECT_THAT(recorder.changes, ElementsAre("paper-out on"));
+  EXPECT_EQ(printer.printed_lines(), 2U);
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\nb\nc\nd\n", PaperEnd::kCut)));
+  EXPECT_EQ(answered(), kConfirmed);
+  EXPECT_THAT(recorder.changes, ElementsAre("paper-out on", "paper-out off"));
+}
+
+TEST_F(PrinterTest, scripted_fault_at_no_line_is_there_from_the_start) {
+  printer.expect_fault({Condition::kCoverOpen, 0});
+  EXPECT_TRUE(printer.conditions().has(Condition::kCoverOpen));
+}
+
+TEST_F(PrinterTest, lines_before_an_initialise_count_for_the_scripted_fault) {
+  printer.expect_fault({Condition::kCutterJam, 3});
+  printer.receive("a\nb\n\x1b@c\nd\n");
+  EXPECT_EQ(printer.printed_lines(), 3U);
+}
+
+TEST_F(PrinterTest, power_off_forgets_all_but_the_paper) {
+  printer.receive(kReportsOn);
+  printer.receive("printed\n\x1b!\x20open");
+  printer.set(Condition::kCoverOpen, true);
+  printer.receive("held\n\x1b");
+  answered();
+  printer.set(Condition::kPowerOff, true);
+  EXPECT_EQ(printer.held_bytes(), 0U);
+  printer.receive("lost\n\x10\x04\x02" + kProcessId);
+  printer.set(Condition::kCoverOpen, false);
+  printer.set(Condition::kPowerOff, false);
+  printer.set(Condition::kDrawerOpen, true);
+  EXPECT_EQ(answered(), "");
+  printer.receive("@after\n\x1bi");
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("printed\n@after\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, power_that_goes_in_the_middle_of_a_job_takes_its_rest) {
+  printer.expect_fault({Condition::kPowerOff, 1});
+  printer.receive("a\nb\n\x1bi" + framed("c\n") + kProcessId);
+  EXPECT_EQ(answered(), "");
+  printer.set(Condition::kPowerOff, false);
+  printer.finish();
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\n", PaperEnd::kUncut)));
+}
+
+TEST_F(PrinterTest, offsets_count_what_came_while_it_was_off) {
+  printer.set(Condition::kPowerOff, true);
+  printer.receive("12345");
+  printer.set(Condition::kPowerOff, false);
+  printer.receive("\x01");
+  EXPECT_THAT(recorder.unknown, ElementsAre(UnknownBytes{5, "\x01"}));
+}
+
+TEST_F(PrinterTest, framed_job_prints_like_a_bare_one) {
+  printer.receive(framed("a\n\x1bi" + kProcessId));
+  EXPECT_EQ(answered(), "\x06\0"s + kConfirmed);
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, framed_job_is_taken_but_not_printed_during_a_fault) {
+  printer.set(Condition::kPaperOut, true);
+  printer.receive(framed("a\n\x1bi" + kProcessId));
+  EXPECT_EQ(answered(), "\x06\0"s);
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_EQ(answered(), kConfirmed);
+}
+
+TEST_F(PrinterTest, offsets_within_a_frame_are_those_on_the_line) {
+  printer.receive("ab" + framed("c\x01"));
+  EXPECT_THAT(recorder.unknown, ElementsAre(UnknownBytes{2 + 11 + 1, "\x01"}));
+}
+
+TEST_F(PrinterTest, long_framed_job_prints_whole) {
+  std::string job;
+  while (job.size() < 70000) job += "0123456789\n";
+  printer.receive(framed(job + "\x1bi"));
+  EXPECT_EQ(answered(), "\x06\0"s);
+  std::string paper;
+  for (const auto& [text, end] : recorder.papers) paper += text;
+  EXPECT_EQ(paper, job);
+}
+
+TEST_F(PrinterTest, refused_frame_shows_on_paper_and_its_job_does_not) {
+  printer.receive("open" + with_wrong_checksum(framed("job\n")));
+  EXPECT_TRUE(printer.waits_for_frame());
+  EXPECT_EQ(answered(), "");
+  printer.line_is_silent();
+  EXPECT_FALSE(printer.waits_for_frame());
+  EXPECT_EQ(answered(), "\x15\0"s);
+  EXPECT_THAT(recorder.refused, ElementsAre(RefusedFrame{4, "wrong checksum"}));
+  printer.receive("next\n\x1bi");
+  EXPECT_THAT(recorder.papers,
+              ElementsAre(Pair("open\nFRAME REFUSED: wrong checksum\nnext\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, frame_of_wrong_length_is_refused) {
+  std::string frame = framed("job\n");
+  frame[9] = 9;
+  printer.receive(frame);
+  printer.line_is_silent();
+  EXPECT_EQ(answered(), "\x15\0"s);
+  EXPECT_THAT(recorder.refused, ElementsAre(RefusedFrame{0, "wrong length"}));
+}
+
+TEST_F(PrinterTest, frame_within_a_frame_is_refused) {
+  printer.receive(framed("a\n" + framed("b\n") + "c\n\x1bi"));
+  EXPECT_EQ(answered(), "\x06\0\x15\0"s);
+  EXPECT_THAT(recorder.papers,
+              ElementsAre(Pair("a\nFRAME REFUSED: a frame within a frame\nc\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, unfinished_frame_is_refused_at_the_end) {
+  printer.receive(framed("job\n").substr(0, 13));
+  printer.finish();
+  EXPECT_THAT(recorder.refused, SizeIs(1));
+}
+
+TEST_F(PrinterTest, serial_number_is_written_read_and_kept) {
+  printer.receive("\x1d#\x03_AB\x5c\x1dIC");
+  EXPECT_EQ(answered(), "0_AB");
+  EXPECT_EQ(recorder.stored, "AB");
+  printer.receive("\x1d#\x03_XY\x5c\x1dIC");
+  EXPECT_EQ(answered(), "1_AB");
+  EXPECT_EQ(recorder.stored, "AB");
+}
+
+TEST_F(PrinterTest, remembered_serial_number_is_told) {
+  Printer other(recorder, Identity{"Z-99"});
+  other.receive("\x1dIC");
+  EXPECT_EQ(answered(), "_Z-99");
+}
+
+TEST_F(PrinterTest, version_and_mark_are_told) {
+  printer.receive("\x1dID\x1b#BM?");
+  EXPECT_EQ(answered(), "_VIRTUALV1.00_BM");
+}
+
+TEST_F(PrinterTest, drawer_opens_once_and_is_reported) {
+  printer.receive(kReportsOn);
+  answered();
+  printer.receive("\x1bp0\x64\xc8\x1bp0\x64\xc8");
+  EXPECT_EQ(answered(), "\x10\0\0\x0f"s);
+  EXPECT_THAT(recorder.changes, ElementsAre("drawer on"));
+}
+
+TEST_F(PrinterTest, beep_is_told) {
+  printer.receive("\x1b#ERROR");
+  EXPECT_EQ(recorder.beeps, 1);
+}
+
+TEST_F(PrinterTest, self_test_is_a_page_of_its_own) {
+  printer.receive(
+      "a\n\x1bi\x1b#MENU1"
+      "b\n\x1bi");
+  ASSERT_THAT(recorder.papers, SizeIs(3));
+  EXPECT_THAT(recorder.papers[1].first, testing::HasSubstr("VP0000001"));
+  EXPECT_EQ(recorder.papers[2].first, "b\n");
+  EXPECT_THAT(recorder.unknown, IsEmpty());
+}
+
+TEST_F(PrinterTest, self_test_stops_at_a_fault_and_goes_on) {
+  printer.expect_fault({Condition::kPaperOut, 4});
+  printer.receive("\x1b#MENU2");
+  EXPECT_THAT(recorder.papers, IsEmpty());
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_THAT(recorder.papers, SizeIs(1));
+  EXPECT_THAT(recorder.unknown, IsEmpty());
+}
+
+TEST_F(PrinterTest, what_a_fault_holds_back_is_not_printed_at_the_end) {
+  printer.receive("a\nopen");
+  printer.set(Condition::kPaperOut, true);
+  printer.receive("b\n");
+  printer.finish();
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\n", PaperEnd::kUncut)));
+  EXPECT_EQ(printer.held_bytes(), 2U);
 }
 
 }  // namespace
