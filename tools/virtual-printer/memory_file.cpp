@@ -7,9 +7,13 @@
 
 namespace virtual_printer {
 
-Identity read_memory(const std::string& path) {
+Identity open_memory(const std::string& path) {
   Identity identity;
-  if (path.empty() || !std::filesystem::exists(path)) return identity;
+  if (path.empty()) return identity;
+  if (!std::filesystem::exists(path)) {
+    write_memory(path, identity.serial_number);
+    return identity;
+  }
   std::ifstream file(path, std::ios::binary);
   identity.serial_number.assign(std::istreambuf_iterator<char>(file), {});
   if (!file || identity.serial_number.size() > kLongestSerialNumber) {

@@ -55,7 +55,7 @@ Service::Service(PortLink& link, SignalQueue& signals, ControlSocket* control,
       options_(std::move(options)),
       files_(options_.output_folder),
       answers_(options_.answer_faults),
-      printer_(*this, read_memory(options_.memory_file)) {}
+      printer_(*this, open_memory(options_.memory_file)) {}
 
 void Service::run() {
   power_up();

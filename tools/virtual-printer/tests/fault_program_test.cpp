@@ -40,7 +40,7 @@ class FaultTest : public ProgramTest {
   }
 
   std::string frame_file(std::string_view name, const std::string& frame) const {
-    const std::string path = in_folder(std::string(name));
+    std::string path = in_folder(std::string(name));
     std::ofstream(path, std::ios::binary) << frame;
     return path;
   }
@@ -151,6 +151,12 @@ TEST_F(FaultTest, serial_number_outlives_the_process_in_its_file) {
   EXPECT_THAT(second.out, HasSubstr(" 5f 41 42\n"));
   const Outcome forgetful = run_till(R"(printf '\035IC' >&3; answer 3)");
   EXPECT_THAT(forgetful.out, HasSubstr(" 5f 56 50\n"));
+}
+
+TEST_F(FaultTest, memory_that_cannot_be_made_is_an_error_before_the_command_runs) {
+  const Outcome outcome = run_script("echo started", {"--memory", "/dev/null/memory"});
+  EXPECT_EQ(outcome.status, kOwnFailure);
+  EXPECT_EQ(outcome.out, "");
 }
 
 TEST_F(FaultTest, version_and_mark_are_told) {
