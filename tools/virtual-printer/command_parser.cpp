@@ -69,7 +69,7 @@ constexpr std::array kCommandRows{
     CommandRow{"\x1dIC",      CommandKind::kSerialNumberQuery,  ArgumentRule::kNone},
     CommandRow{"\x1dID",      CommandKind::kVersionQuery,       ArgumentRule::kNone},
     CommandRow{"\x1d#",       CommandKind::kStoreSerialNumber,  ArgumentRule::kCounted},
-    CommandRow{"\x1d(H\6\0" "00"sv, CommandKind::kProcessId,    ArgumentRule::kIdentifier},
+    CommandRow{"\x1d(H\6\0" "00"sv, CommandKind::kProcessId,   ArgumentRule::kIdentifier},
     CommandRow{"\x10\x04",    CommandKind::kRealTimeStatus,     ArgumentRule::kStatusNumber},
 };
 // clang-format on

@@ -1,5 +1,5 @@
-// Bytes in, in any split, commands out. Knows no descriptor and keeps nothing but an unfinished
-// command, so that the same bytes always give the same commands.
+// Bytes in, in any split, commands out, one at a time. Knows no descriptor and keeps nothing but
+// bytes not yet decoded, so that the same bytes always give the same commands.
 #pragma once
 
 #include <cstddef>
