@@ -1,101 +1,29 @@
 // A serial line for real: a pseudo-terminal under a serial port's name, real termios, real time.
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <pty.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
+#include <termios.h>
 
 #include <chrono>
-#include <memory>
-#include <thread>
 
 #include "support/exported_state.h"
-#include "support/name_alias.h"
+#include "support/pty_printer.h"
 #include "tzvio.h"
 
 namespace testkit {
 namespace {
 
-using namespace std::string_literals;
-
 constexpr char kPort[] = "/dev/ttyS-pty";
 constexpr char kSettings[] = "9600,none,8,1,none";
 
-/// A printer that answers from a thread of its own until it is unplugged.
-class PtyPrinter {
- public:
-  PtyPrinter() {
-    char path[64];
-    EXPECT_EQ(openpty(&master_, &slave_, path, nullptr, nullptr), 0);
-    EXPECT_EQ(pipe(stop_), 0);
-    alias_ = std::make_unique<NameAlias>(kPort, path);
-  }
-  ~PtyPrinter() {
-    unplug();
-    close(stop_[0]);
-    close(stop_[1]);
-    close(slave_);
-  }
-  PtyPrinter(const PtyPrinter&) = delete;
-  PtyPrinter& operator=(const PtyPrinter&) = delete;
-
-  void start() {
-    thread_ = std::thread([this] { serve(); });
-  }
-
-  /// Everything the printer got; ends it.
-  std::string unplug() {
-    if (thread_.joinable()) {
-      EXPECT_EQ(write(stop_[1], "x", 1), 1);
-      thread_.join();
-    }
-    if (master_ >= 0) close(master_);
-    master_ = -1;
-    return received_;
-  }
-
-  int slave() const { return slave_; }
-
- private:
-  void serve() {
-    pollfd waiting[] = {{master_, POLLIN, 0}, {stop_[0], POLLIN, 0}};
-    for (;;) {
-      poll(waiting, 2, -1);
-      if ((waiting[0].revents & POLLIN) != 0) {
-        take();
-      } else if (waiting[1].revents != 0) {
-        return;
-      }
-    }
-  }
-
-  void take() {
-    char buffer[4096];
-    const ssize_t count = read(master_, buffer, sizeof buffer);
-    if (count <= 0) return;
-    received_.append(buffer, static_cast<std::size_t>(count));
-    if (received_.ends_with("\x10\x04\x02") || received_.ends_with("\x10\x04\x04")) reply("\x12");
-    if (received_.ends_with("\x1b#SENSOR")) reply("_2\0"s);
-  }
-
-  void reply(const std::string& bytes) {
-    EXPECT_EQ(write(master_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-  }
-
-  int master_ = -1, slave_ = -1;
-  int stop_[2] = {-1, -1};
-  std::unique_ptr<NameAlias> alias_;
-  std::thread thread_;
-  std::string received_;
-};
-
 class Pty : public testing::Test {
  protected:
-  Pty() { reset_library(); }
+  Pty() {
+    reset_library();
+    printer.answer("\x1b#SENSOR", std::string("_2\0", 3));
+  }
   ~Pty() override { reset_library(); }
 
-  PtyPrinter printer;
+  PtyPrinter printer{kPort};
 };
 
 TEST_F(Pty, opens_asks_prints_and_closes) {

@@ -8,7 +8,7 @@
 
 #include <cstdarg>
 
-#include "support/name_alias.h"
+#include "support/real_devices.h"
 #include "support/scripted_kernel.h"
 
 namespace {
@@ -106,7 +106,7 @@ int cfsetospeed(termios* line, speed_t speed) noexcept {
 int usleep(useconds_t microseconds) {
   if (!kernel().active()) {
     static const auto libc = real<int(useconds_t)>("usleep");
-    return libc(microseconds);
+    return libc(microseconds / static_cast<useconds_t>(testkit::sleep_speed()));
   }
   kernel().sleep_us("usleep", microseconds);
   return 0;
@@ -114,8 +114,9 @@ int usleep(useconds_t microseconds) {
 
 unsigned int sleep(unsigned int seconds) {
   if (!kernel().active()) {
-    static const auto libc = real<unsigned int(unsigned int)>("sleep");
-    return libc(seconds);
+    // Through usleep, because seconds do not divide.
+    usleep(seconds * 1000000);
+    return 0;
   }
   kernel().sleep_us("sleep", int64_t{seconds} * 1000000);
   return 0;

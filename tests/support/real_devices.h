@@ -1,4 +1,5 @@
-// Real devices under the names that the library accepts: a pseudo-terminal as /dev/ttyS-test.
+// Real devices under the names that the library accepts (a pseudo-terminal as /dev/ttyS-test), and
+// real time that passes faster.
 #pragma once
 
 #include <string>
@@ -16,6 +17,13 @@ class NameAlias {
  private:
   std::string name_;
 };
+
+/// Lets the library's sleeps pass that many times faster, in real time. For tests of threads that
+/// need thousands of rounds; 1 is the normal speed.
+void speed_up_sleeps(int factor);
+
+/// The factor that was set.
+int sleep_speed();
 
 /// What open() is to open for a path.
 const char* device_behind(const char* path);

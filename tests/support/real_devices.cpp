@@ -1,5 +1,6 @@
-#include "support/name_alias.h"
+#include "support/real_devices.h"
 
+#include <atomic>
 #include <map>
 
 namespace testkit {
@@ -19,6 +20,20 @@ NameAlias::NameAlias(std::string name, std::string device) : name_(std::move(nam
 
 NameAlias::~NameAlias() {
   aliases().erase(name_);
+}
+
+namespace {
+
+std::atomic<int> speed = 1;
+
+}  // namespace
+
+void speed_up_sleeps(int factor) {
+  speed = factor;
+}
+
+int sleep_speed() {
+  return speed;
 }
 
 const char* device_behind(const char* path) {

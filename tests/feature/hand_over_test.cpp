@@ -1,0 +1,172 @@
+// Callers and a live monitor on one line, with real threads. Run under the thread sanitizer, it
+// proves the hand-over between them; anywhere, that no answer gets lost.
+#include <gmock/gmock.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <thread>
+
+#include "support/exported_state.h"
+#include "support/pty_printer.h"
+#include "support/scripted_kernel.h"
+#include "tzvio.h"
+
+extern "C" void libDestructor();
+
+namespace testkit {
+namespace {
+
+constexpr char kPort[] = "/dev/ttyS-pty";
+constexpr int kSpeed = 20;
+
+const std::string kEnableReports = "\x1d\x61\xff";
+const std::string kHealthy("\x14\x00\x00\x0f", 4);
+
+// The variables as another thread may look at them while the library runs.
+template <typename Integer>
+Integer value_of(Integer& variable) {
+  return std::atomic_ref<Integer>(variable).load();
+}
+template <typename Integer>
+void set(Integer& variable, Integer value) {
+  std::atomic_ref<Integer>(variable).store(value);
+}
+
+class HandOver : public testing::Test {
+ protected:
+  HandOver() {
+    reset_library();
+    speed_up_sleeps(kSpeed);
+  }
+  ~HandOver() override {
+    reset_library();
+    speed_up_sleeps(1);
+  }
+
+  void open() {
+    printer.start();
+    ASSERT_EQ(OpenPort(kPort, "9600,none,8,1,none"), 0);
+  }
+
+  PtyPrinter printer{kPort};
+};
+
+void doze() {
+  std::this_thread::sleep_for(std::chrono::microseconds(200));
+}
+
+void claim_and_wait_until_online() {
+  ASSERT_EQ(ClaimDevice(kPort, 0), 0);
+  // Offline until the monitor has enabled the reports; then it reads the report that this brings.
+  while (GetError(kPort) != 0) doze();
+  while (GetDrawerStatus(kPort) != 0) doze();
+}
+
+void print_and_query(int number) {
+  ASSERT_EQ(TransactionPrint(kPort, 1), 0);
+  ASSERT_EQ(PrintNormal(kPort, ("<" + std::to_string(number) + ">\n").c_str()), 0);
+  ASSERT_EQ(TransactionPrint(kPort, 0), 0) << number;
+  std::array<char, 256> version;
+  ASSERT_EQ(GetFWVersion(kPort, version.data()), 4) << number;
+  ASSERT_EQ(GetPrinterStatus(kPort), 64) << number;
+}
+
+TEST_F(HandOver, transactions_and_queries_of_several_threads_get_their_answers) {
+  constexpr int kThreads = 3;
+  constexpr int kRounds = 70;
+  constexpr int kReceipts = 5;
+  printer.answer(kEnableReports, kHealthy);
+  printer.answer(kProcessIdRequest, kProcessIdAnswer);
+  printer.answer("\035ID", "_ABCDEFGV1.23");
+  printer.answer("\033#SENSOR", std::string("_2\0", 3));
+  open();
+
+  // One conversation with the printer at a time, from any thread; modes and looks at any time.
+  std::mutex conversation;
+  std::atomic<bool> done = false;
+  std::atomic<int> number = 0;
+  std::vector<std::thread> callers;
+  for (int i = 0; i < kThreads; ++i) {
+    callers.emplace_back([&] {
+      for (int round = 0; round < kRounds; ++round) {
+        const std::lock_guard lock(conversation);
+        set(m_bDrawerOpened, 1);
+        claim_and_wait_until_online();
+        for (int receipt = 0; receipt < kReceipts; ++receipt) print_and_query(number++);
+        if (round % 3 == 0) {
+          ASSERT_EQ(ReleaseDevice(kPort), 0);
+        }
+      }
+    });
+  }
+  std::thread bystander([&] {
+    while (!done) {
+      SetRePrintMode(kPort, 0);
+      SetProtocol(kPort, 0);
+      GetError(kPort);
+      GetDrawerStatus(kPort);
+      doze();
+    }
+  });
+  for (std::thread& caller : callers) caller.join();
+  done = true;
+  bystander.join();
+
+  const std::string received = printer.unplug();
+  for (int i = 0; i < number; ++i) {
+    const std::string mark = "<" + std::to_string(i) + ">";
+    const std::size_t at = received.find(mark);
+    ASSERT_NE(at, std::string::npos) << mark;
+    ASSERT_EQ(received.find(mark, at + 1), std::string::npos) << mark << " printed twice";
+  }
+}
+
+TEST_F(HandOver, reprint_mode_loses_nothing_that_is_printed_meanwhile) {
+  constexpr int kLines = 400;
+  printer.answer(kEnableReports, kHealthy);
+  printer.answer(kProcessIdRequest, kProcessIdAnswer);
+  open();
+  ASSERT_EQ(SetRePrintMode(kPort, 1), 0);
+  for (int i = 0; i < kLines; ++i) {
+    PrintNormal(kPort, ("<" + std::to_string(i) + ">\n").c_str());
+    if (i == kLines / 4) {
+      ASSERT_EQ(ClaimDevice(kPort, 0), 0);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  // Each claim brings a report, and with it a reprint of what is held.
+  while (value_of(s_PageSize) > 0) {
+    ClaimDevice(kPort, 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  const std::string received = printer.unplug();
+  std::size_t at = 0;
+  for (int i = 0; i < kLines; ++i) {
+    const std::string mark = "<" + std::to_string(i) + ">";
+    at = received.find(mark, at);
+    ASSERT_NE(at, std::string::npos) << mark << " lost or out of order";
+  }
+}
+
+TEST_F(HandOver, unloading_with_a_monitor_and_a_waiting_query_ends_cleanly) {
+  open();
+  for (int round = 0; round < 20; ++round) {
+    ASSERT_EQ(ClaimDevice(kPort, 0), 0);
+    std::thread query([] {
+      std::array<char, 256> answer;
+      // The printer does not know this one, so the query waits until the port is gone.
+      EXPECT_EQ(GetData(kPort, "?", 1, answer.data()), 0);
+    });
+    while (value_of(m_bStopThread) == 0) doze();
+    libDestructor();
+    query.join();
+    EXPECT_EQ(m_bStopThread, 0);
+    m_bOffline = 0;
+    ASSERT_EQ(OpenPort(kPort, "9600,none,8,1,none"), 0);
+  }
+}
+
+}  // namespace
+}  // namespace testkit
