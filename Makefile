@@ -1,6 +1,7 @@
 # The front door; CMakePresets.json has the builds behind it.
 #
-#   make demo     print a receipt on the virtual printer and leave a picture of it
+#   make demo     print a receipt on the virtual printer and leave a picture of it; with
+#                 FAULT=paper-out, cover-open, cutter-jam or power-off something goes wrong
 #   make test     build the 32-bit library and run every test
 #   make format   format the sources; make lint checks them
 #   make sanitize the same tests natively, under the sanitizers
@@ -19,7 +20,7 @@ build/i386/libTZVIO.so.0: FORCE
 
 demo:
 	@tools/install-dependencies.sh demo
-	@tools/demo.sh $(JOBS)
+	@tools/demo.sh $(JOBS) $(FAULT)
 
 test: build/i386/libTZVIO.so.0
 	@cmake --preset native >/dev/null

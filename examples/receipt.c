@@ -1,8 +1,14 @@
-/* Prints a receipt on the port given as the first argument. */
+/* Prints a receipt as one confirmed transaction, and deals with everything that can go wrong.
+ *
+ *     receipt PORT [SETTINGS]
+ *
+ * Ends with 0 when the printer has confirmed that the receipt is printed. */
+#define _POSIX_C_SOURCE 200809L /* nanosleep */
 #include <stdio.h>
+#include <time.h>
 #include <tzvio.h>
 
-static const char* const kReceipt[] = {
+static const char* const kLines[] = {
     "\x1b|cA\x1b|4CCORNER SHOP\n",
     "\x1b|cA12 Harbour Street\n",
     "\x1b|cAThank you for your visit\n\n",
@@ -18,22 +24,86 @@ static const char* const kReceipt[] = {
     "\x1b|rAChange    7.40\n\n",
     "\x1b|cA\x1b|bC\x1b|rvC  2 COFFEES = 1 FREE CUP  \n",
     "\x1b|cA\x1b|3CSee you soon\n",
-    "\x1b|fP",
 };
 
+enum { kAttempts = 10, kPatienceSeconds = 60 };
+
+static const char* in_words(long code) {
+  switch (code) {
+    case TZV_STATUS_OK:
+      return "ready";
+    case TZV_STATUS_COVER_OPEN:
+      return "the cover is open";
+    case TZV_STATUS_PAPER_EMPTY:
+      return "paper is out";
+    case TZV_STATUS_OFFLINE:
+      return "offline, or no confirmation came";
+    case TZV_STATUS_PAPER_NEAR_EMPTY:
+      return "paper is near its end";
+    case TZV_STATUS_CUTTER_JAM:
+      return "the cutter is jammed";
+    default:
+      return "the port does not work";
+  }
+}
+
+/* The whole receipt in one transaction; 0 when it is on paper. */
+static long print_receipt(const char* port) {
+  if (TransactionPrint(port, TZV_TRANSACTION_BEGIN) != 0) return TZV_FAILED;
+  for (unsigned i = 0; i < sizeof kLines / sizeof *kLines; ++i) {
+    if (PrintNormal(port, kLines[i]) != 0) return TZV_FAILED;
+  }
+  CutPaper(port, 100);
+  return TransactionPrint(port, TZV_TRANSACTION_END);
+}
+
+/* An empty transaction is confirmed when everything before it is printed. */
+static long confirm_what_was_sent(const char* port) {
+  TransactionPrint(port, TZV_TRANSACTION_BEGIN);
+  return TransactionPrint(port, TZV_TRANSACTION_END);
+}
+
+/* Waits until the printer is ready. Returns whether it was seen in a state in which it keeps what
+ * it has received: cover, paper or cutter, rather than without power. */
+static int wait_until_ready(const char* port, long code) {
+  const struct timespec pause = {0, 20 * 1000 * 1000};
+  int keeps_data = 0;
+  for (int looks = 0; looks < kPatienceSeconds * 50; ++looks) {
+    keeps_data |= code == TZV_STATUS_COVER_OPEN || code == TZV_STATUS_PAPER_EMPTY ||
+                  code == TZV_STATUS_CUTTER_JAM;
+    if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) break;
+    nanosleep(&pause, NULL);
+    code = GetError(port);
+  }
+  return keeps_data;
+}
+
 int main(int argc, char** argv) {
+  setvbuf(stdout, NULL, _IOLBF, 0); /* each line at once, into a pipe too */
   const char* port = argc > 1 ? argv[1] : "/dev/ttyS0";
-  const long opened = OpenPort(port, "9600,none,8,1,none");
-  if (opened != TZV_STATUS_OK) {
+  const long opened = OpenPort(port, argc > 2 ? argv[2] : "9600,none,8,1,none");
+  if (opened < 0) {
     fprintf(stderr, "%s: OpenPort gives %ld\n", port, opened);
     return 1;
   }
-  for (unsigned i = 0; i < sizeof kReceipt / sizeof *kReceipt; ++i) {
-    if (PrintNormal(port, kReceipt[i]) != 0) return 1;
+  /* Without the status monitor no confirmation can be seen. */
+  ClaimDevice(port, 0);
+  wait_until_ready(port, TZV_STATUS_OFFLINE);
+
+  long result = print_receipt(port);
+  for (int attempt = 1; result != 0 && result != TZV_FAILED && attempt < kAttempts; ++attempt) {
+    printf("not confirmed: %ld, %s\n", result, in_words(result));
+    if (wait_until_ready(port, result)) {
+      /* The printer held what it had received and prints on: ask, rather than print it twice. */
+      result = confirm_what_was_sent(port);
+    } else {
+      /* Nobody can say what became of it. A receipt printed twice can be torn off; one that is
+       * missing cannot be put back. */
+      result = print_receipt(port);
+    }
   }
-  /* The answer comes after the printer has read everything before the question. */
-  const long state = GetPrinterStatus(port);
+  printf(result == 0 ? "confirmed: the receipt is printed\n" : "given up: %ld\n", result);
+  ReleaseDevice(port);
   ClosePort(port);
-  if (state != TZV_STATUS_OK) fprintf(stderr, "%s: the printer reports %ld\n", port, state);
-  return state == TZV_STATUS_OK ? 0 : 1;
+  return result == 0 ? 0 : 1;
 }

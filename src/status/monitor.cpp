@@ -6,7 +6,6 @@
 #include "dispatch/system.h"
 #include "status/collected_job.h"
 #include "status/process_id.h"
-#include "status/report_decoder.h"
 
 namespace {
 
@@ -62,10 +61,7 @@ void Monitor::cycle() {
   if (port_) {
     if (state_.bOffline == 1) enable_reports();
     transport_.watch_line(port_);
-    const long count = read_reports();
-    if (count >= static_cast<long>(kReportSize)) {
-      take_reports(received(count));
-    }
+    take_received(read_line());
   }
   pause_ms(state_.bSleepFlag != 0 ? kFastCycle : kIdleCycle);
 }
@@ -78,16 +74,18 @@ void Monitor::enable_reports() {
 
 /// Reads what is there, unless a caller waits for an answer. The lock makes the look at the flag
 /// and the read one step, so that no answer is taken from a caller.
-long Monitor::read_reports() {
+Received Monitor::read_line() {
   const MutexLock lock(state_.hand_over.mutex);
-  if (state_.bStopThread != 0) return 0;
-  return transport_.poll(port_, received_);
+  if (state_.bStopThread != 0) return {};
+  const long count = transport_.poll(port_, received_);
+  if (count < static_cast<long>(kReportSize)) return {};
+  return sort_received({received_.data(), static_cast<std::size_t>(count)});
 }
 
-void Monitor::take_reports(std::string_view reports) {
-  if (is_confirmation(reports)) confirm_collected(state_);
+void Monitor::take_received(Received received) {
+  if (received.confirmed) confirm_collected(state_);
   const StatusFlags before = load_flags(state_);
-  const DecodedReport decoded = decode_report(reports, before);
+  const DecodedReport decoded = decode_report(received.reports, before);
   store_changes(state_, before, decoded.flags);
   if (decoded.healthy && state_.RePrint != 0 && state_.PageSize > 0) reprint();
 }
@@ -96,11 +94,8 @@ void Monitor::take_reports(std::string_view reports) {
 void Monitor::reprint() {
   pause_ms(kPauseBeforeReprint);
   const long sent = resend_job();
-  const long count = wait_for_answer();
-  if (count > 0 && is_confirmation(received(count))) {
-    // What callers added since then has not been printed: it stays.
-    confirm_collected(state_, sent);
-  }
+  // What callers added since then has not been printed: it stays.
+  if (wait_for_confirmation()) confirm_collected(state_, sent);
 }
 
 /// Sends the whole job, whatever state the printer is in. The count of bytes.
@@ -116,20 +111,20 @@ long Monitor::resend_job() {
   }
 }
 
-/// Polls until at least a report's length has come, asking the printer again now and then. The
-/// count read; 0 when given up or told to end.
-long Monitor::wait_for_answer() {
+/// Polls until at least a report's length has come, asking the printer again now and then. Whether
+/// it was the confirmation; false also when given up or told to end.
+bool Monitor::wait_for_confirmation() {
   int polls = -1;
   while (state_.StopIt != 0) {
     if (++polls > kPollsPerRequest) {
-      if (++requests_ == kRequestsBeforeGivingUp) return 0;
+      if (++requests_ == kRequestsBeforeGivingUp) return false;
       transport_.write_now(port_, kProcessIdRequest);
       polls = 0;
     }
     pause_ms(kReprintPoll);
     transport_.watch_line(port_);
-    const long count = read_reports();
-    if (count >= static_cast<long>(kReportSize)) return count;
+    const Received received = read_line();
+    if (received.confirmed || !received.reports.empty()) return received.confirmed;
   }
-  return 0;
+  return false;
 }

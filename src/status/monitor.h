@@ -4,6 +4,7 @@
 #include <array>
 
 #include "dispatch/transport.h"
+#include "status/report_decoder.h"
 
 class Monitor {
  public:
@@ -18,15 +19,12 @@ class Monitor {
   bool serves(const Transport& transport, const char* portName) const;
 
  private:
-  std::string_view received(long count) const {
-    return {received_.data(), static_cast<std::size_t>(count)};
-  }
   void enable_reports();
-  long read_reports();
-  void take_reports(std::string_view reports);
+  Received read_line();
+  void take_received(Received received);
   void reprint();
   long resend_job();
-  long wait_for_answer();
+  bool wait_for_confirmation();
 
   const Transport& transport_;
   const TransportState& state_;

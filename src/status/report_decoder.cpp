@@ -17,6 +17,12 @@ constexpr unsigned char kPaperEndBits = 0x0c;
 // Fourth.
 constexpr unsigned char kReportEnd = 0x0f;
 
+// The answer to the request with the identifier "FFFF".
+constexpr std::string_view kConfirmation{
+    "7\x22"
+    "FFFF\0",
+    7};
+
 struct Report {
   unsigned char s1, s2, s3, s4;
 
@@ -90,7 +96,21 @@ DecodedReport decode_report(std::string_view received, const StatusFlags& before
   return {decode_other(report, before), false};
 }
 
-bool is_confirmation(std::string_view received) {
-  return received.size() == 7 && received[0] == '7' && received[3] == 'F' && received[4] == 'F' &&
-         received[5] == 'F';
+Received sort_received(std::span<char> received) {
+  const std::string_view all(received.data(), received.size());
+  if (all.size() == kConfirmation.size()) {
+    // As it stands: the last four bytes are no report that could change a flag.
+    return {all, all[0] == '7' && all[3] == 'F' && all[4] == 'F' && all[5] == 'F'};
+  }
+  std::size_t kept = 0;
+  bool confirmed = false;
+  for (std::size_t at = 0; at < all.size();) {
+    if (begins_with(rest_of(all, at), kConfirmation)) {
+      confirmed = true;
+      at += kConfirmation.size();
+    } else {
+      received[kept++] = all[at++];
+    }
+  }
+  return {first_of(all, kept), confirmed};
 }

@@ -2,6 +2,7 @@
 // and the flags before, the flags after.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 /// The flags that reports change, 0 or 1 each.
@@ -29,6 +30,14 @@ inline constexpr std::size_t kReportSize = 4;
 /// Decodes what one read returned; shorter than a report, it changes nothing.
 DecodedReport decode_report(std::string_view received, const StatusFlags& before);
 
-/// Whether what one read returned is the answer to a process-ID request: everything before the
-/// request is printed.
-bool is_confirmation(std::string_view received);
+/// What one read returned, sorted.
+struct Received {
+  std::string_view reports;  ///< to be decoded
+  bool confirmed;            ///< an answer to a process-ID request: all before it is printed
+};
+
+/// Finds the printer's answers to process-ID requests. A read of seven bytes is judged by its
+/// marks. In a longer one an answer may stand beside reports, when both came between two reads:
+/// whole answers are taken out of the buffer then, or the report that tells of a recovery would
+/// be misread and the till would wait for ever.
+Received sort_received(std::span<char> received);

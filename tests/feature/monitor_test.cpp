@@ -243,6 +243,21 @@ TEST_P(MonitorTest, a_confirmation_empties_the_sent_job) {
   EXPECT_EQ(*state.OutputComplemetFlag, 1);
 }
 
+// Both came between two reads: the recovery must not be misread.
+TEST_P(MonitorTest, a_report_beside_a_confirmation_counts) {
+  claim_and_settle();
+  printer.input = std::string("\x14\x00\x0c\x0f", 4);
+  next_cycle();
+  ASSERT_EQ(GetError(port), 2);
+  *state.bOffline = 0;
+  *state.PageSize = 5;
+  printer.input = kHealthy + kProcessIdAnswer;
+  next_cycle();
+  EXPECT_EQ(GetError(port), 0);
+  EXPECT_EQ(*state.OutputComplemetFlag, 1);
+  EXPECT_EQ(*state.PageSize, 0);
+}
+
 TEST_P(MonitorTest, a_query_gets_its_answer_beside_a_running_monitor) {
   claim_and_settle();
   *state.bSleepFlag = 1;

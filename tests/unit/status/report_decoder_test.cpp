@@ -130,13 +130,41 @@ TEST(Report, every_byte_that_can_make_a_difference) {
   }
 }
 
+struct Sorted {
+  std::string reports;
+  bool confirmed;
+};
+
+Sorted sorted(std::string received) {
+  const Received parts = sort_received(received);
+  return {std::string(parts.reports), parts.confirmed};
+}
+
+const std::string kAnswer = "\x37\x22"s + "FFFF\0"s;
+const std::string kHealthy = "\x14\0\0\x0f"s;
+
 TEST(Confirmation, is_seven_bytes_with_the_marks_in_place) {
-  EXPECT_TRUE(is_confirmation("\x37\x22"s + "FFFF\0"s));
-  EXPECT_TRUE(is_confirmation("7xxFFFx"s)) << "the other bytes are not looked at";
+  EXPECT_TRUE(sorted(kAnswer).confirmed);
+  EXPECT_TRUE(sorted("7xxFFFx"s).confirmed) << "the other bytes are not looked at";
   for (const std::string& other :
        {"7xxFFF"s, "7xxFFFxx"s, "8xxFFFx"s, "7xxXFFx"s, "7xxFXFx"s, "7xxFFXx"s, ""s}) {
-    EXPECT_FALSE(is_confirmation(other)) << other;
+    EXPECT_FALSE(sorted(other).confirmed) << other;
+    EXPECT_EQ(sorted(other).reports, other);
   }
+}
+
+TEST(Confirmation, beside_reports_is_told_apart_from_them) {
+  for (const std::string& received :
+       {kHealthy + kAnswer, kAnswer + kHealthy, kAnswer + kHealthy + kAnswer}) {
+    EXPECT_TRUE(sorted(received).confirmed);
+    EXPECT_EQ(sorted(received).reports, kHealthy);
+  }
+  EXPECT_FALSE(sorted(kHealthy + kHealthy).confirmed);
+}
+
+TEST(Confirmation, that_comes_twice_confirms) {
+  EXPECT_TRUE(sorted(kAnswer + kAnswer).confirmed);
+  EXPECT_EQ(sorted(kAnswer + kAnswer).reports, "");
 }
 
 }  // namespace
