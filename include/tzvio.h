@@ -44,7 +44,10 @@
  *   TransactionPrint(port, 1) begins one: from then on everything that prints, cuts or opens the
  *   drawer on any port of that link is collected in memory (up to 1664000 bytes) instead of sent.
  *   TransactionPrint(port, 0) ends it: sends the whole, asks the printer to confirm, and waits
- *   for the confirmation, which the monitor sees. 0 means printed. So ClaimDevice comes first.
+ *   for the confirmation, which the monitor sees. 0 means printed. So ClaimDevice comes first, and
+ *   then a wait until GetError gives 0: a claimed printer counts as offline, and output is
+ *   refused, until the monitor's first cycle.
+ *   After another result the job stays collected: ending again sends it again, beginning drops it.
  *
  * THREADS
  *   Operations may be called from any thread. All ports of one link share one set of settings,
@@ -210,7 +213,7 @@ TZV_API long GetDrawerStatus(const char* portName);
  */
 TZV_API long ClaimDevice(const char* portName, long TimeoutMillis);
 
-/* Tells the monitor to end, which it does within one cycle (500 ms).
+/* Tells the monitors of all ports of the link to end, which they do within one cycle (500 ms).
  *
  *  0  told
  * -1  the port is not open
@@ -221,7 +224,8 @@ TZV_API long ReleaseDevice(const char* portName);
 
 /* Begins or ends a transaction; see TRANSACTIONS above.
  *
- * PrintMode  above 0: begin, dropping what was collected before. 0 or below: end
+ * PrintMode  above 0: begin, dropping what was collected before. 0: end. Below 0: end, but what
+ *            is printed from then on is still collected
  *
  * Begin collects ESC @ (1B 40) and returns
  *  0  collecting

@@ -97,13 +97,15 @@ bool claim(const Transport& transport, const char* portName) {
   return is_monitored(transport, portName) || start_monitor(transport, portName);
 }
 
-RunningMonitor* take_one() {
+/// Tells all monitors to end, so that they do so side by side, and takes one off the list.
+RunningMonitor* end_all_and_take_one() {
   const MutexLock lock(monitors_mutex);
-  RunningMonitor* const running = monitors;
-  if (running == nullptr) return nullptr;
-  running->monitor.transport().state.StopIt = 0;
-  monitors = running->next;
-  return running;
+  for (const RunningMonitor* running = monitors; running != nullptr; running = running->next) {
+    running->monitor.transport().state.StopIt = 0;
+  }
+  RunningMonitor* const first = monitors;
+  if (first != nullptr) monitors = first->next;
+  return first;
 }
 
 }  // namespace
@@ -128,5 +130,5 @@ long release_device(const Transport& transport, const char* portName) {
 }
 
 void end_all_monitors() {
-  while (RunningMonitor* const running = take_one()) join_and_free(running);
+  while (RunningMonitor* const running = end_all_and_take_one()) join_and_free(running);
 }

@@ -1,12 +1,13 @@
 #!/bin/sh
 # Installs into a staging folder, as a package would, and builds a C program against what is there:
 # once by pkg-config, once by CMake.
-#   check-install.sh BUILD SOURCE COMPILER-FLAGS LIBDIR
+#   check-install.sh BUILD SOURCE COMPILER-FLAGS LIBDIR README
 set -eu
 build=$1
 source=$2
 flags=$3
 libdir=$4
+readme=$5
 
 stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
@@ -24,6 +25,11 @@ options=$(pkg-config --define-variable=prefix="$stage/usr" --cflags --libs tzvio
 # Unquoted on purpose: both are lists of options.
 ${CC:-cc} $flags "$source/consumer.c" -o "$stage/by-pkg-config" $options
 LD_LIBRARY_PATH="$stage/usr/$libdir" "$stage/by-pkg-config"
+
+# The README's first example must build as it stands there.
+awk '/^```c$/ { inside = 1; next } /^```/ { inside = 0 } inside' "$readme" >"$stage/readme.c"
+[ -s "$stage/readme.c" ] || { echo "no example in the README"; exit 1; }
+${CC:-cc} $flags -Wall -Wextra -Werror "$stage/readme.c" -o "$stage/readme" $options
 
 mkdir "$stage/project"
 cp "$source/consumer.c" "$stage/project/"
