@@ -5,8 +5,8 @@
 
 /// One transport's 39 operations. A null slot means that the transport does not supply it.
 struct PortImpl {
-#define TZV_OPERATION(name, feature, parameters, arguments) long(*name) parameters = nullptr;
-#define TZV_INTERNAL(name, feature, result, parameters) result(*name) parameters = nullptr;
+#define TZV_OPERATION(name, feature, parameters, arguments) long(*name) parameters;
+#define TZV_INTERNAL(name, feature, result, parameters) result(*name) parameters;
 #include "dispatch/operations.def"
 #undef TZV_OPERATION
 #undef TZV_INTERNAL

@@ -14,6 +14,7 @@ constexpr std::string_view kPrefixes[] = {"/dev/parport", "/dev/lp"};
 
 PortImpl GetParallelPortImpl() {
   RegistryOf<parPorts, &ParPort::port>::forget_all();
-  return PortImpl{
-      .MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); }};
+  PortImpl impl{};
+  impl.MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); };
+  return impl;
 }

@@ -88,6 +88,7 @@ TEST_F(HandOver, transactions_and_queries_of_several_threads_get_their_answers) 
   std::atomic<bool> done = false;
   std::atomic<int> number = 0;
   std::vector<std::thread> callers;
+  callers.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     callers.emplace_back([&] {
       for (int round = 0; round < kRounds; ++round) {

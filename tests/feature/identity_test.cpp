@@ -10,7 +10,6 @@ namespace testkit {
 namespace {
 
 using namespace std::string_literals;
-using testing::ElementsAre;
 
 class Identity : public EveryLink {
  protected:

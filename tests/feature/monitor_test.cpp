@@ -11,9 +11,7 @@ extern "C" void libDestructor();
 namespace testkit {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 const std::string kEnableReports = "\x1d\x61\xff";
 const std::string kHealthy("\x14\x00\x00\x0f", 4);

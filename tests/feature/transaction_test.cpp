@@ -7,7 +7,6 @@
 namespace testkit {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 
 const std::string kInitialise = "\033@";

@@ -60,7 +60,7 @@ ssize_t write(int descriptor, const void* bytes, size_t size) {
 int ioctl(int descriptor, unsigned long request, ...) noexcept {
   va_list arguments;
   va_start(arguments, request);
-  void* argument = va_arg(arguments, void*);  // NOLINT(clang-analyzer-valist.Uninitialized)
+  void* argument = va_arg(arguments, void*);
   va_end(arguments);
   if (kernel().owns(descriptor)) return kernel().ioctl(descriptor, request, argument);
   static const auto libc = real<int(int, unsigned long, ...)>("ioctl");

@@ -6,7 +6,7 @@
 
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 TEST(Bytes, first_of_takes_a_prefix) {
   EXPECT_EQ(first_of("receipt", 3), "rec");

@@ -154,8 +154,7 @@ TEST(Confirmation, is_seven_bytes_with_the_marks_in_place) {
 }
 
 TEST(Confirmation, beside_reports_is_told_apart_from_them) {
-  for (const std::string& received :
-       {kHealthy + kAnswer, kAnswer + kHealthy, kAnswer + kHealthy + kAnswer}) {
+  for (const std::string& received : {kHealthy + kAnswer, kAnswer + kHealthy}) {
     EXPECT_TRUE(sorted(received).confirmed);
     EXPECT_EQ(sorted(received).reports, kHealthy);
   }
