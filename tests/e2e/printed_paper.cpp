@@ -1,0 +1,178 @@
+#include "printed_paper.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kPrinterFailed = 125;
+constexpr std::chrono::seconds kPatience{30};
+constexpr std::chrono::milliseconds kPause{10};
+
+// In a picture's header chunk, after eight bytes of signature and eight of the chunk's own.
+constexpr std::size_t kWidthAt = 16;
+
+std::string content_of(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::uint32_t width_of_picture(const fs::path& path) {
+  const std::string png = content_of(path);
+  if (png.size() < kWidthAt + 4 || png.compare(12, 4, "IHDR") != 0) return 0;
+  std::uint32_t width = 0;
+  for (std::size_t i = 0; i < 4; ++i) {
+    width = width << 8 | static_cast<unsigned char>(png[kWidthAt + i]);
+  }
+  return width;
+}
+
+PrintedPaper paper_in(const fs::path& folder) {
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() == ".txt") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  PrintedPaper paper;
+  for (fs::path& file : files) {
+    paper.texts.push_back(content_of(file));
+    paper.widths.push_back(width_of_picture(file.replace_extension(".png")));
+  }
+  return paper;
+}
+
+std::string lines_that_begin(const std::string& text, const std::string& beginning) {
+  std::istringstream stream(text);
+  std::string found;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.compare(0, beginning.size(), beginning) == 0) found += line + '\n';
+  }
+  return found;
+}
+
+int exit_status_of(pid_t pid) {
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0) {
+    if (errno != EINTR) return -1;
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+std::string next_port() {
+  static int count = 0;
+  return "/dev/ttyS-e2e-" + std::to_string(getpid()) + "-" + std::to_string(++count);
+}
+
+}  // namespace
+
+std::string PrintedPaper::in_one() const {
+  std::string all;
+  for (const std::string& text : texts) all += text;
+  return all;
+}
+
+int Outcome::lines(const std::string& beginning) const {
+  const std::string found = lines_from(beginning);
+  return static_cast<int>(std::count(found.begin(), found.end(), '\n'));
+}
+
+std::string Outcome::lines_from(const std::string& beginning) const {
+  return lines_that_begin(out, beginning);
+}
+
+PrinterTest::PrinterTest() : port_(next_port()) {
+  std::string name = fs::temp_directory_path() / "tzvio-e2e-XXXXXX";
+  if (mkdtemp(name.data()) == nullptr) std::abort();
+  folder_ = name;
+  fs::create_directory(in_folder("paper"));
+  setenv("XDG_RUNTIME_DIR", name.c_str(), 1);  // the socket of the printer's requests
+}
+
+// Whatever went wrong, nothing of ours goes on or stays.
+PrinterTest::~PrinterTest() {
+  if (printer_ > 0) {
+    kill(printer_, SIGTERM);
+    exit_status_of(printer_);
+  }
+  std::error_code ignored;
+  fs::remove_all(folder_, ignored);
+}
+
+void PrinterTest::SetUp() {
+  if (!fs::exists(VIRTUAL_PRINTER_PROGRAM)) {
+    GTEST_SKIP() << "there is no virtual printer at " << VIRTUAL_PRINTER_PROGRAM;
+  }
+  const Outcome trial = run_under_printer({}, {"true"});
+  if (trial.status == kPrinterFailed) GTEST_SKIP() << "no printer here: " << trial.errors;
+}
+
+Outcome PrinterTest::run_under_printer(const Words& options, const Words& command) {
+  start_under_printer(options, command);
+  return finish();
+}
+
+void PrinterTest::start_under_printer(const Words& options, const Words& command) {
+  Words words{VIRTUAL_PRINTER_PROGRAM, "--port", port_, "--output", in_folder("paper")};
+  words.insert(words.end(), options.begin(), options.end());
+  words.emplace_back("--");
+  words.insert(words.end(), command.begin(), command.end());
+  printer_ = spawn(words, "run");
+  ASSERT_GT(printer_, 0) << "cannot start " << words.front();
+}
+
+Outcome PrinterTest::finish() {
+  const int status = printer_ > 0 ? exit_status_of(printer_) : -1;
+  printer_ = 0;
+  return {status, content_of(in_folder("run.out")), content_of(in_folder("run.errors")),
+          paper_in(in_folder("paper"))};
+}
+
+bool PrinterTest::wait_for_line(const std::string& beginning) const {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (std::chrono::steady_clock::now() < deadline) {
+    if (!lines_that_begin(content_of(in_folder("run.out")), beginning).empty()) return true;
+    std::this_thread::sleep_for(kPause);
+  }
+  return false;
+}
+
+bool PrinterTest::set(const std::string& condition, const std::string& on_or_off) {
+  const pid_t pid =
+      spawn({VIRTUAL_PRINTER_PROGRAM, "set", condition, on_or_off, "--port", port_}, "set");
+  return pid > 0 && exit_status_of(pid) == 0;
+}
+
+pid_t PrinterTest::spawn(const Words& words, const std::string& output_name) const {
+  std::vector<std::string> copies = words;
+  std::vector<char*> arguments;
+  arguments.reserve(copies.size() + 1);
+  for (std::string& word : copies) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+
+  constexpr int kNew = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND;
+  const std::string out = in_folder(output_name + ".out");
+  const std::string errors = in_folder(output_name + ".errors");
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), kNew, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(), kNew, 0600);
+  pid_t pid = -1;
+  const int failed =
+      posix_spawn(&pid, arguments.front(), &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  return failed == 0 ? pid : -1;
+}
