@@ -113,6 +113,8 @@ long set_serial_number(const Transport& transport, const char* portName, const c
   if (SerialNum == nullptr || SerialNumLen < 0 || SerialNumLen > kLongestSerialNumber) {
     return kFailed;
   }
+  // From the command on: the acknowledgement may come within the second before it is read.
+  const Exchange undisturbed(transport.state);
   std::array<char, kLargestCommand> frame;
   const std::size_t size =
       build_serial_number_frame({SerialNum, static_cast<std::size_t>(SerialNumLen)}, frame);

@@ -113,6 +113,15 @@ TEST_P(Identity, an_acknowledgement_is_judged_by_its_last_byte) {
   EXPECT_EQ(SetSerialNumber(port, "AB", 2), -1) << "no acknowledgement";
 }
 
+TEST_P(Identity, a_monitor_does_not_take_the_acknowledgement) {
+  ASSERT_EQ(ClaimDevice(port, 0), 0);
+  *state.bSleepFlag = 1;
+  kernel.run_for(200);
+  printer.answer("\x1d#\x03_AB\x5c", "0", 300);
+  EXPECT_EQ(SetSerialNumber(port, "AB", 2), 0);
+  EXPECT_EQ(*state.bStopThread, 0);
+}
+
 TEST_P(Identity, an_empty_serial_number_has_a_frame_too) {
   printer.answer("\x1d#\x01_\x5f", "0");
   EXPECT_EQ(SetSerialNumber(port, "", 0), 0);
