@@ -66,8 +66,8 @@ static int print_framed(const char* port) {
 }
 
 static long bytes_held(const char* port) {
-  (void)port; /* the ports of a link share one buffer */
-  return s_PageSize;
+  (void)port;                                            /* the ports of a link share one buffer */
+  return __atomic_load_n(&s_PageSize, __ATOMIC_RELAXED); /* the monitor's thread writes it */
 }
 
 /* The first healthy report after the claim finds the receipt there, and has it printed. */
