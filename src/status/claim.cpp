@@ -60,10 +60,13 @@ void join_ended() {
   }
 }
 
-/// Called with the lock.
+/// Whether a monitor of this process serves the port. Called with the lock.
 bool is_monitored(const Transport& transport, const char* portName) {
   for (const RunningMonitor* running = monitors; running != nullptr; running = running->next) {
-    if (!running->ended && running->monitor.serves(transport, portName)) return true;
+    if (running->process == getpid() && !running->ended &&
+        running->monitor.serves(transport, portName)) {
+      return true;
+    }
   }
   return false;
 }
