@@ -47,6 +47,10 @@
  *   for the confirmation, which the monitor sees. 0 means printed. So ClaimDevice comes first, and
  *   then a wait until GetError gives 0: a claimed printer counts as offline, and output is
  *   refused, until the monitor's first cycle.
+ *   The printer confirms what it has received since it was switched on. Without a confirmation
+ *   for a second it is asked again, so one that lost power and came back within the wait confirms
+ *   from an empty memory. A serial line shows lost power on DSR, and the end is 4 then; where
+ *   there is no DSR line (an adapter, a pseudo-terminal) this case cannot be told.
  *   After another result the job stays collected: ending again sends it again, beginning drops it.
  *
  * THREADS
@@ -187,7 +191,9 @@ TZV_API long ReadPort(const char* portName, char* readBuffer, long length);
  */
 TZV_API long GetPrinterStatus(const char* portName);
 
-/* Returns the most important condition that the monitor has seen; sends nothing.
+/* Returns the most important condition that the monitor has seen; sends nothing. A printer that is
+ * switched offline by hand, with nothing else the matter, reports itself as healthy, and counts as
+ * that.
  *
  *  0, 1, 2, 4, 8, 16  a status code; 4 also when the printer's power is off
  * -1  the port is not open
@@ -204,6 +210,10 @@ TZV_API long GetDrawerStatus(const char* portName);
 
 /* Starts the status monitor of the port: a thread that has the printer report every change
  * (GS a 255), and keeps the status flags. Needed before a transaction can be confirmed.
+ *
+ * The printer's first report arrives within the 100 ms after GetError has become 0; a query made
+ * in that time may read it in front of its answer. An empty transaction that ends with 0 is past
+ * it.
  *
  * TimeoutMillis  not used
  *

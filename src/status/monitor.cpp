@@ -32,17 +32,19 @@ StatusFlags load_flags(const TransportState& state) {
 }
 
 /// Stores what a report changed and nothing else: a claim may set `bOffline` at the same time.
+/// `bOffline` falls before its cause and rises after it, so that no look between shows it alone.
 void store_changes(const TransportState& state, const StatusFlags& before,
                    const StatusFlags& after) {
   const auto store = [](const Field<int>& field, int old_value, int value) {
     if (value != old_value) field = value;
   };
+  if (after.offline == 0) store(state.bOffline, before.offline, 0);
   store(state.bCoverOpen, before.cover_open, after.cover_open);
   store(state.bPaperEmpty, before.paper_empty, after.paper_empty);
   store(state.bPaperNearEmpty, before.paper_near_empty, after.paper_near_empty);
-  store(state.bOffline, before.offline, after.offline);
   store(state.bCutterJam, before.cutter_jam, after.cutter_jam);
   store(state.bDrawerOpened, before.drawer_opened, after.drawer_opened);
+  if (after.offline != 0) store(state.bOffline, before.offline, after.offline);
 }
 
 }  // namespace
