@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <mutex>
 #include <thread>
 
@@ -19,7 +20,7 @@ namespace testkit {
 namespace {
 
 constexpr char kPort[] = "/dev/ttyS-pty";
-constexpr int kSpeed = 20;
+constexpr int kSpeed = 6;
 
 const std::string kEnableReports = "\x1d\x61\xff";
 const std::string kHealthy("\x14\x00\x00\x0f", 4);
@@ -53,6 +54,12 @@ class HandOver : public testing::Test {
   PtyPrinter printer{kPort};
 };
 
+/// Rounds of each of three threads; TZVIO_ROUNDS asks for more, for minutes.
+int rounds() {
+  const char* asked = std::getenv("TZVIO_ROUNDS");
+  return asked != nullptr ? std::atoi(asked) : 15;  // NOLINT(cert-err34-c): 0 is no rounds
+}
+
 void doze() {
   std::this_thread::sleep_for(std::chrono::microseconds(200));
 }
@@ -75,7 +82,7 @@ void print_and_query(int number) {
 
 TEST_F(HandOver, transactions_and_queries_of_several_threads_get_their_answers) {
   constexpr int kThreads = 3;
-  constexpr int kRounds = 70;
+  const int each = rounds();
   constexpr int kReceipts = 5;
   printer.answer(kEnableReports, kHealthy);
   printer.answer(kProcessIdRequest, kProcessIdAnswer);
@@ -91,7 +98,7 @@ TEST_F(HandOver, transactions_and_queries_of_several_threads_get_their_answers) 
   callers.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     callers.emplace_back([&] {
-      for (int round = 0; round < kRounds; ++round) {
+      for (int round = 0; round < each; ++round) {
         const std::lock_guard lock(conversation);
         set(m_bDrawerOpened, 1);
         claim_and_wait_until_online();
