@@ -17,14 +17,6 @@ constexpr std::size_t kHandshakePiece = 256;  // bytes sent between two looks at
 
 enum class Line { ready, busy, failed };
 
-Line look_at_dsr(PortHandle port) {
-  const SerialPorts::Use descriptor(port);
-  int lines = 0;
-  const int got = retry_interrupted([&] { return ioctl(descriptor, TIOCMGET, &lines); });
-  if (got == -1) return Line::failed;
-  return (lines & TIOCM_DSR) != 0 ? Line::ready : Line::busy;
-}
-
 void pause_and_spend(SilenceBudget& budget) {
   pause_ms(kPollPause);
   budget.spend(kPollPause);
@@ -33,8 +25,9 @@ void pause_and_spend(SilenceBudget& budget) {
 /// Waits for the printer to raise DSR as long as the budget lasts.
 Line wait_for_dsr(PortHandle port, SilenceBudget& budget) {
   while (!budget.exhausted()) {
-    const Line line = look_at_dsr(port);
-    if (line != Line::busy) return line;
+    const Dsr dsr = read_dsr(port);
+    if (dsr == Dsr::unknown) return Line::failed;
+    if (dsr == Dsr::up) return Line::ready;
     pause_and_spend(budget);
   }
   return Line::busy;

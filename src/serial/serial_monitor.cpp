@@ -4,12 +4,19 @@
 #include "dispatch/system.h"
 #include "serial/serial_port.h"
 
-void SerialWatchLine(PortHandle port) {
+Dsr read_dsr(PortHandle port) {
   const SerialPorts::Use descriptor(port);
   int lines = 0;
+  const int got = retry_interrupted([&] { return ioctl(descriptor, TIOCMGET, &lines); });
+  if (got == -1) return Dsr::unknown;
+  return (lines & TIOCM_DSR) != 0 ? Dsr::up : Dsr::down;
+}
+
+void SerialWatchLine(PortHandle port) {
+  const Dsr dsr = read_dsr(port);
   // A line without modem signals tells nothing: the flags stay.
-  if (retry_interrupted([&] { return ioctl(descriptor, TIOCMGET, &lines); }) == -1) return;
-  const int off = (lines & TIOCM_DSR) == 0;
+  if (dsr == Dsr::unknown) return;
+  const int off = dsr == Dsr::down;
   serial_state.bPowerOFF = off;
   // Offline until the printer reports again; the monitor's next cycle asks it to.
   serial_state.bOffline = off;

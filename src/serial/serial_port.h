@@ -8,6 +8,10 @@
 
 using SerialPorts = RegistryOf<serPorts, &SerPort::port>;
 
+/// The printer's DSR line: up while it has power and takes bytes.
+enum class Dsr { up, down, unknown };
+Dsr read_dsr(PortHandle port);
+
 // What the serial transport supplies; the contracts are those of `Transport`.
 
 long SerialOpenPort(int entry, const char* portName, const char* portSettings);

@@ -5,6 +5,7 @@
 
 #include "dispatch/port_operations.h"
 #include "dispatch/system.h"
+#include "status/error_code.h"
 #include "status/exchange.h"
 #include "status/sensor_reply.h"
 
@@ -93,13 +94,6 @@ long sensor_code(const TransportState& state) {
   return state.bSensor1 ? kSensor1 : kOk;
 }
 
-/// The code of the state in which nothing prints; 0 when there is none but perhaps a jam.
-long blocking_code(const TransportState& state) {
-  if (state.bCoverOpen) return kCoverOpen;
-  if (state.bPaperEmpty) return kPaperEmpty;
-  return state.bOffline ? kOffline : kOk;
-}
-
 long code_by_priority(const TransportState& state) {
   const long family = state.DeviceType;
   if (family != 0 && family != 1) return kFailed;
@@ -130,10 +124,8 @@ long get_printer_status(const Transport& transport, const char* portName) {
   if (!port) return kFailed;
   const TransportState& state = transport.state;
   const bool monitored = state.StopIt != 0;
-  if (monitored && in_error_state(state)) {
-    const long blocking = blocking_code(state);
-    return blocking != kOk ? blocking : kCutterJam;
-  }
+  const long known_error = error_code(state);
+  if (monitored && known_error != kOk) return known_error;
   const Asked asked = monitored ? ask_undisturbed(transport, port) : ask_sensors(transport, port);
   if (asked == Asked::nothing_sent) return kOk;
   return asked == Asked::malformed ? kFailed : code_by_priority(state);

@@ -6,6 +6,7 @@
 #include "dispatch/port_operations.h"
 #include "dispatch/system.h"
 #include "status/collected_job.h"
+#include "status/error_code.h"
 #include "status/exchange.h"
 #include "status/frame.h"
 #include "status/process_id.h"
@@ -46,14 +47,6 @@ void send_collected(const Transport& transport, PortHandle port) {
   } else {
     guarded_write(transport, port, job);
   }
-}
-
-/// The code of the error state that ends the wait; 0 when there is none.
-long error_code(const TransportState& state) {
-  if (state.bCoverOpen) return kCoverOpen;
-  if (state.bPaperEmpty) return kPaperEmpty;
-  if (state.bOffline) return kOffline;
-  return state.bCutterJam ? kCutterJam : kOk;
 }
 
 /// Waits for the monitor to see the confirmation, asking again every 50 polls. The error state
