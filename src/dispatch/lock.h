@@ -1,4 +1,4 @@
-// Locks without a C++ run-time: held for a look or a copy, never across a pause.
+// A lock without a C++ run-time: held for a look or a copy, never across a pause.
 #pragma once
 
 #include <pthread.h>
@@ -13,28 +13,4 @@ class MutexLock {
 
  private:
   pthread_mutex_t& mutex_;
-};
-
-/// Holds a lock that many readers share.
-class SharedLock {
- public:
-  explicit SharedLock(pthread_rwlock_t& lock) : lock_(lock) { pthread_rwlock_rdlock(&lock_); }
-  ~SharedLock() { pthread_rwlock_unlock(&lock_); }
-  SharedLock(const SharedLock&) = delete;
-  SharedLock& operator=(const SharedLock&) = delete;
-
- private:
-  pthread_rwlock_t& lock_;
-};
-
-/// Holds it alone.
-class ExclusiveLock {
- public:
-  explicit ExclusiveLock(pthread_rwlock_t& lock) : lock_(lock) { pthread_rwlock_wrlock(&lock_); }
-  ~ExclusiveLock() { pthread_rwlock_unlock(&lock_); }
-  ExclusiveLock(const ExclusiveLock&) = delete;
-  ExclusiveLock& operator=(const ExclusiveLock&) = delete;
-
- private:
-  pthread_rwlock_t& lock_;
 };

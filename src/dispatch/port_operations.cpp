@@ -7,20 +7,24 @@
 
 namespace {
 
-void reset_for_fresh_port(const TransportState& state) {
-  drop_collected(state);
+void leave_modes(const TransportState& state) {
+  state.bProtocolStatus = 0;
   state.bProtocol = 0;
   state.RePrint = 0;
+}
+
+void reset_for_fresh_port(const TransportState& state) {
+  drop_collected(state);
+  leave_modes(state);
   state.bSleepFlag = 0;
   state.TransactionPrint = 0;
   state.bPowerOFF = 0;
 }
 
 void close_open_port(const Transport& transport, PortHandle port) {
-  transport.close(port);
+  transport.registry.release(port);
   drop_collected(transport.state);
-  transport.state.bProtocol = 0;
-  transport.state.RePrint = 0;
+  leave_modes(transport.state);
 }
 
 }  // namespace
@@ -42,8 +46,8 @@ long open_port(const Transport& transport, const char* portName, const char* por
   const int entry = transport.registry.find_free();
   if (entry < 0 || std::strlen(portName) >= kPortNameSize) return kFailed;
 
-  const long opened = transport.open(entry, portName, portSettings);
-  if (opened != 0) return opened;
+  const Opened opened = transport.open(entry, portName, portSettings);
+  if (opened.result != kOk || opened.settled) return opened.result;
   reset_for_fresh_port(transport.state);
   // Whatever the printer answers, the port stays open: a till may open before the paper is in.
   return ask_open_status(transport, transport.registry.at(entry));
@@ -78,6 +82,7 @@ void release_ports(const Transport& transport) {
 }
 
 long guarded_write(const Transport& transport, PortHandle port, std::string_view bytes) {
+  if (const auto sent = transport.write_anew(port, bytes)) return *sent;
   if (in_error_state(transport.state)) return kRefused;
   return transport.write(port, bytes);
 }

@@ -1,6 +1,7 @@
 // The few habits that every system call of the library shares.
 #pragma once
 
+#include <sys/select.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -18,4 +19,22 @@ auto retry_interrupted(Call call) {
 inline void pause_ms(long milliseconds) {
   if (milliseconds >= 1000) sleep(static_cast<unsigned>(milliseconds / 1000));
   if (milliseconds % 1000 > 0) usleep(static_cast<useconds_t>(milliseconds % 1000) * 1000);
+}
+
+/// Whether select() can hold a descriptor: beyond its sets it would write outside of them.
+inline bool select_can_hold(int descriptor) {
+  return descriptor >= 0 && descriptor < FD_SETSIZE;
+}
+
+/// Whether a read would find something, the end or an error included. Also when select() fails:
+/// the read then tells why.
+inline bool is_readable(int descriptor) {
+  if (!select_can_hold(descriptor)) return true;
+  return retry_interrupted([&] {
+           fd_set waiting;
+           FD_ZERO(&waiting);
+           FD_SET(descriptor, &waiting);
+           timeval at_once{};
+           return select(descriptor + 1, &waiting, nullptr, nullptr, &at_once);
+         }) != 0;
 }

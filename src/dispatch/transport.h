@@ -2,6 +2,7 @@
 // more record: everything in which links differ is here, as a function or as a number.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -38,6 +39,27 @@ struct ShortWriteResults {
   long drawer;
 };
 
+/// What opening a device came to.
+struct Opened {
+  long result;           ///< 0, or the result of OpenPort
+  bool settled = false;  ///< nothing is left to do: neither the state's reset nor the exchange
+};
+
+/// How a device is released, once the monitor is told to end.
+struct Release {
+  std::string_view wake_up;  ///< sent to the printer, whose answer a monitor notices
+  long pause_ms;
+};
+
+// For links that have nothing to do there.
+inline std::optional<long> link_stands(PortHandle, std::string_view) {
+  return std::nullopt;
+}
+inline void nothing_to_watch(PortHandle) {}
+inline bool poll_again(PortHandle) {
+  return true;
+}
+
 struct Transport {
   /// The beginnings of the port names that belong to this transport.
   std::span<const std::string_view> prefixes;
@@ -48,34 +70,41 @@ struct Transport {
   PortRegistry registry;
 
   /// Opens and configures the device and fills the free entry; `portName` is shorter than
-  /// `kPortNameSize`. 0, or the result of OpenPort; after a failure the entry is still free and
-  /// no descriptor is left open.
-  long (&open)(int entry, const char* portName, const char* portSettings);
+  /// `kPortNameSize`. After a failure the entry is still free and no descriptor is left open.
+  Opened (&open)(int entry, const char* portName, const char* portSettings);
 
-  /// Closes the descriptor of an open port and frees its entry.
-  void (&close)(PortHandle port);
+  /// When the link is known to be lost: connects anew and sends the bytes, whatever state the
+  /// printer is in. The count sent, or a failure; nothing when the link stands. May pause.
+  std::optional<long> (&write_anew)(PortHandle port, std::string_view bytes);
 
   /// Sends all bytes in the link's own pieces and within its own budget, whatever state the
   /// printer is in. The count sent, or -2. May pause.
   long (&write)(PortHandle port, std::string_view bytes);
 
+  /// The same for the monitor: without anything that would wait for the monitor itself.
+  long (&resend)(PortHandle port, std::string_view bytes);
+
   /// Hands a short command to the descriptor in one call that does not pause: for the queries of
   /// an open and for the monitor.
   void (&write_now)(PortHandle port, std::string_view bytes);
 
-  /// Reads up to the buffer's size. The count read, or 0 or -2 when nothing came. May pause.
+  /// Reads up to the buffer's size. The count read; 0, -1 or -2 when nothing came. May pause.
   long (&read)(PortHandle port, std::span<char> buffer, ReadPatience patience);
 
   /// The monitor's look at the line before each read: sets or clears `bPowerOFF` and `bOffline`
   /// where the link can tell. Does not pause.
   void (&watch_line)(PortHandle port);
 
-  /// The monitor's read: what is there, at once. The count, 0 or below when there is nothing.
+  /// The monitor's read: what is there, at once. The count, 0 or -1 when there is nothing. Does
+  /// not pause.
   long (&poll)(PortHandle port, std::span<char> buffer);
+
+  /// What the link makes of a poll that gave -1. False ends the monitor. May pause, but not longer
+  /// than the monitor may run.
+  bool (&after_failed_poll)(PortHandle port);
 
   StatusExchange status_exchange;
   AnswerPatience patience;
   ShortWriteResults short_write;
-  /// How long ReleaseDevice waits after telling the monitor to end, in milliseconds.
-  long release_pause_ms;
+  Release release;
 };

@@ -2,6 +2,7 @@
 // operation on such a port answers -3.
 #include "dispatch/port_impl.h"
 #include "dispatch/port_operations.h"
+#include <unistd.h>
 #include "tzvio_state.h"
 
 NETPort netPorts[TZV_PORTS] = {};
@@ -13,7 +14,7 @@ constexpr std::string_view kPrefixes[] = {"SOCKET:"};
 }  // namespace
 
 PortImpl GetNetPortImpl() {
-  RegistryOf<netPorts, &NETPort::sock>::forget_all();
+  RegistryOf<netPorts, &NETPort::sock, close>::forget_all();
   PortImpl impl{};
   impl.MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); };
   return impl;

@@ -87,31 +87,26 @@ long serConfigurePort(SerPort& entry, const SerPortSettings& settings) {
 
 }  // namespace
 
-long SerialOpenPort(int entry, const char* portName, const char* portSettings) {
-  SerPort opened{};
+Opened SerialOpenPort(int entry, const char* portName, const char* portSettings) {
+  SerPort opened = SerialPorts::named(portName);
   if (portSettings == nullptr || std::strlen(portSettings) >= sizeof opened.portSettings) {
-    return kNotAccepted;
+    return {kNotAccepted};
   }
   const auto settings = parse_serial_settings(portSettings);
-  if (!settings) return kNotAccepted;
-
-  opened.set = 1;
-  std::memcpy(opened.portName, portName, std::strlen(portName));
+  if (!settings) return {kNotAccepted};
   std::memcpy(opened.portSettings, portSettings, std::strlen(portSettings));
+
   opened.port = retry_interrupted([&] { return open(portName, O_RDWR | O_NOCTTY | O_NONBLOCK); });
-  if (opened.port == -1) return kFailed;
+  if (opened.port == -1) return {kFailed};
   const long configured = serConfigurePort(opened, *settings);
-  if (configured != 0) {
+  if (configured != kOk) {
     close(opened.port);
-    return configured;
+    return {configured};
   }
-  SerialPorts::store(entry, opened);
-  return 0;
+  return {SerialPorts::store(entry, opened)};
 }
 
-void SerialClosePort(PortHandle port) {
-  SerialPorts::release(port, [](int descriptor) {
-    tcflush(descriptor, TCIOFLUSH);
-    close(descriptor);
-  });
+void serial_hang_up(int descriptor) {
+  tcflush(descriptor, TCIOFLUSH);
+  close(descriptor);
 }

@@ -6,7 +6,10 @@
 
 #include "dispatch/transport.h"
 
-using SerialPorts = RegistryOf<serPorts, &SerPort::port>;
+/// Discards what is still under way and closes the line.
+void serial_hang_up(int descriptor);
+
+using SerialPorts = RegistryOf<serPorts, &SerPort::port, serial_hang_up>;
 
 /// The printer's DSR line: up while it has power and takes bytes.
 enum class Dsr { up, down, unknown };
@@ -14,8 +17,7 @@ Dsr read_dsr(PortHandle port);
 
 // What the serial transport supplies; the contracts are those of `Transport`.
 
-long SerialOpenPort(int entry, const char* portName, const char* portSettings);
-void SerialClosePort(PortHandle port);
+Opened SerialOpenPort(int entry, const char* portName, const char* portSettings);
 long SerialWritePort(PortHandle port, std::string_view bytes);
 void SerialWriteNow(PortHandle port, std::string_view bytes);
 long SerialReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience patience);

@@ -11,18 +11,20 @@ constexpr Transport serial{
     .state = serial_state,
     .registry = SerialPorts::registry,
     .open = SerialOpenPort,
-    .close = SerialClosePort,
+    .write_anew = link_stands,
     .write = SerialWritePort,
+    .resend = SerialWritePort,
     .write_now = SerialWriteNow,
     .read = SerialReadPortPrv,
     .watch_line = SerialWatchLine,
     .poll = SerialPoll,
+    .after_failed_poll = poll_again,
     .status_exchange = {.drain_first = true, .after_query_ms = 20},
     .patience = {.data = {.min_length = 1, .silence_ms = 200},
                  .version = {.min_length = 1, .silence_ms = 200},
                  .frame = {.min_length = 2, .silence_ms = 200}},
     .short_write = {.cut = kRefused, .drawer = kRefused},
-    .release_pause_ms = 0,
+    .release = {.wake_up = {}, .pause_ms = 0},
 };
 
 }  // namespace

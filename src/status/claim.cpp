@@ -19,7 +19,8 @@ struct RunningMonitor {
   RunningMonitor* next;
   pid_t process;
   pthread_t thread;
-  bool ended;  ///< the thread has taken its last look at anything shared
+  bool stopped;  ///< told to end, beside `StopIt`, which tells all monitors of a transport
+  bool ended;    ///< the thread has taken its last look at anything shared
 };
 
 /// Every monitor that is not joined yet. The lock also makes "told to end" and "still running"
@@ -27,15 +28,43 @@ struct RunningMonitor {
 pthread_mutex_t monitors_mutex = PTHREAD_MUTEX_INITIALIZER;
 RunningMonitor* monitors = nullptr;
 
+/// Calls back for each monitor of this process that goes on. Called with the lock.
+template <typename Action>
+void for_each_live(const Transport& transport, Action action) {
+  for (RunningMonitor* running = monitors; running != nullptr; running = running->next) {
+    const bool ours = running->process == getpid() && &running->monitor.transport() == &transport;
+    if (ours && !running->ended && !running->stopped) action(*running);
+  }
+}
+
+/// `StopIt` says whether any monitor runs: one that ends alone leaves it to the others. Called
+/// with the lock.
+void clear_StopIt_after_the_last(const Transport& transport) {
+  bool others = false;
+  for_each_live(transport, [&](const RunningMonitor&) { others = true; });
+  if (!others) transport.state.StopIt = 0;
+}
+
 bool told_to_end(RunningMonitor& running) {
   const MutexLock lock(monitors_mutex);
-  running.ended = running.monitor.transport().state.StopIt == 0;
+  running.ended = running.stopped || running.monitor.transport().state.StopIt == 0;
   return running.ended;
+}
+
+void end_alone(RunningMonitor& running) {
+  const MutexLock lock(monitors_mutex);
+  running.ended = true;
+  clear_StopIt_after_the_last(running.monitor.transport());
 }
 
 void* monitor_thread(void* argument) {
   auto& running = *static_cast<RunningMonitor*>(argument);
-  while (!told_to_end(running)) running.monitor.cycle();
+  while (!told_to_end(running)) {
+    if (!running.monitor.cycle()) {
+      end_alone(running);
+      break;
+    }
+  }
   return nullptr;
 }
 
@@ -60,11 +89,13 @@ void join_ended() {
   }
 }
 
-/// Whether a monitor of this process serves the port. Called with the lock.
-bool is_monitored(const Transport& transport, const char* portName) {
-  for (const RunningMonitor* running = monitors; running != nullptr; running = running->next) {
+/// Whether a monitor serves the port; one that was told to end but has not yet goes on. Called
+/// with the lock.
+bool keep_monitor(const Transport& transport, const char* portName) {
+  for (RunningMonitor* running = monitors; running != nullptr; running = running->next) {
     if (running->process == getpid() && !running->ended &&
         running->monitor.serves(transport, portName)) {
+      running->stopped = false;
       return true;
     }
   }
@@ -72,14 +103,14 @@ bool is_monitored(const Transport& transport, const char* portName) {
 }
 
 /// Called with the lock; false when the system has no thread to give.
-bool start_monitor(const Transport& transport, const char* portName) {
+bool create_monitor(const Transport& transport, const char* portName) {
   const TransportState& state = transport.state;
   pthread_attr_init(&state.attr);
   pthread_attr_setdetachstate(&state.attr, PTHREAD_CREATE_JOINABLE);
   void* const memory = std::malloc(sizeof(RunningMonitor));
   if (memory == nullptr) return false;
-  auto* const running =
-      new (memory) RunningMonitor{Monitor(transport, portName), monitors, getpid(), {}, false};
+  auto* const running = new (memory)
+      RunningMonitor{Monitor(transport, portName), monitors, getpid(), {}, false, false};
   if (pthread_create(&running->thread, &state.attr, monitor_thread, running) != 0) {
     std::free(running);
     return false;
@@ -89,15 +120,11 @@ bool start_monitor(const Transport& transport, const char* portName) {
   return true;
 }
 
-bool claim(const Transport& transport, const char* portName) {
-  const MutexLock lock(monitors_mutex);
-  const TransportState& state = transport.state;
-  state.StopIt = 1;
-  // Has the monitor enable the printer's reports in its next cycle.
-  state.bOffline = 1;
-  settle_exchanges(state);
-  join_ended();
-  return is_monitored(transport, portName) || start_monitor(transport, portName);
+/// The attributes lie in exported variables: zero, they are as before any claim. Called with the
+/// lock.
+void destroy_attributes(const TransportState& state) {
+  pthread_attr_destroy(&state.attr);
+  std::memset(&state.attr, 0, sizeof state.attr);
 }
 
 /// Tells all monitors to end, so that they do so side by side, and takes one off the list.
@@ -113,22 +140,44 @@ RunningMonitor* end_all_and_take_one() {
 
 }  // namespace
 
+bool start_monitor(const Transport& transport, const char* portName) {
+  const MutexLock lock(monitors_mutex);
+  const TransportState& state = transport.state;
+  state.StopIt = 1;
+  // Has the monitor enable the printer's reports in its next cycle.
+  state.bOffline = 1;
+  settle_exchanges(state);
+  join_ended();
+  return keep_monitor(transport, portName) || create_monitor(transport, portName);
+}
+
+void stop_monitor(const Transport& transport, const char* portName) {
+  const MutexLock lock(monitors_mutex);
+  for_each_live(transport, [&](RunningMonitor& running) {
+    running.stopped = running.monitor.serves(transport, portName);
+  });
+  clear_StopIt_after_the_last(transport);
+  destroy_attributes(transport.state);
+}
+
 long claim_device(const Transport& transport, const char* portName, long /*TimeoutMillis*/) {
   if (!transport.registry.find(portName)) return kFailed;
   // A till that cannot watch its printer must not go on as if it could.
-  if (!claim(transport, portName)) std::exit(-1);
+  if (!start_monitor(transport, portName)) std::exit(-1);
   return kOk;
 }
 
 long release_device(const Transport& transport, const char* portName) {
-  if (!transport.registry.find(portName)) return kFailed;
+  const PortHandle port = transport.registry.find(portName);
+  if (!port) return kFailed;
   {
     const MutexLock lock(monitors_mutex);
     transport.state.StopIt = 0;
-    pthread_attr_destroy(&transport.state.attr);
-    std::memset(&transport.state.attr, 0, sizeof transport.state.attr);
+    destroy_attributes(transport.state);
   }
-  pause_ms(transport.release_pause_ms);
+  const auto& [wake_up, milliseconds] = transport.release;
+  if (!wake_up.empty()) transport.write_now(port, wake_up);
+  pause_ms(milliseconds);
   return kOk;
 }
 

@@ -58,14 +58,16 @@ bool Monitor::serves(const Transport& transport, const char* portName) const {
   return &transport_ == &transport && std::strcmp(port_name_, portName) == 0;
 }
 
-void Monitor::cycle() {
+bool Monitor::cycle() {
   port_ = transport_.registry.find(port_name_);
   if (port_) {
     if (state_.bOffline == 1) enable_reports();
     transport_.watch_line(port_);
     take_received(read_line());
   }
+  if (link_lost_) return false;
   pause_ms(state_.bSleepFlag != 0 ? kFastCycle : kIdleCycle);
+  return true;
 }
 
 void Monitor::enable_reports() {
@@ -74,12 +76,17 @@ void Monitor::enable_reports() {
   pause_ms(kEnablePause);
 }
 
-/// Reads what is there, unless a caller waits for an answer. The lock makes the look at the flag
-/// and the read one step, so that no answer is taken from a caller.
+/// Reads what is there, unless a caller waits for an answer or a release for the monitor's end.
+/// The lock makes the look at the flags and the read one step, so that no answer is taken from a
+/// caller.
 Received Monitor::read_line() {
-  const MutexLock lock(state_.hand_over.mutex);
-  if (state_.bStopThread != 0) return {};
-  const long count = transport_.poll(port_, received_);
+  long count = 0;
+  {
+    const MutexLock lock(state_.hand_over.mutex);
+    if (state_.bStopThread != 0 || state_.StopIt == 0) return {};
+    count = transport_.poll(port_, received_);
+  }
+  if (count < 0) link_lost_ = !transport_.after_failed_poll(port_);
   if (count < static_cast<long>(kReportSize)) return {};
   return sort_received({received_.data(), static_cast<std::size_t>(count)});
 }
@@ -107,7 +114,7 @@ long Monitor::resend_job() {
   for (;;) {
     const std::size_t count = copy_collected(state_, sent, piece);
     if (count == 0) return sent;
-    const long written = transport_.write(port_, {piece.data(), count});
+    const long written = transport_.resend(port_, {piece.data(), count});
     if (written > 0) sent += written;
     if (written != static_cast<long>(count)) return sent;
   }
@@ -117,7 +124,7 @@ long Monitor::resend_job() {
 /// it was the confirmation; false also when given up or told to end.
 bool Monitor::wait_for_confirmation() {
   int polls = -1;
-  while (state_.StopIt != 0) {
+  while (state_.StopIt != 0 && !link_lost_) {
     if (++polls > kPollsPerRequest) {
       if (++requests_ == kRequestsBeforeGivingUp) return false;
       transport_.write_now(port_, kProcessIdRequest);

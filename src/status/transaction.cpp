@@ -32,6 +32,7 @@ void send_framed(const Transport& transport, PortHandle port, std::string_view j
   const TransportState& state = transport.state;
   std::memset(state.ProtocolBuffer, 0, sizeof state.ProtocolBuffer);
   const std::size_t length = build_frame(job, state.ProtocolBuffer);
+  state.bProtocolStatus = 0;
   const Exchange exchange(state);
   if (guarded_write(transport, port, {state.ProtocolBuffer, length}) <= 0) return;
   std::array<char, 64> answer;

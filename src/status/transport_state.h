@@ -43,6 +43,8 @@ struct TransportState {
 #undef TZV_NUMBER
 #undef TZV_BYTES
 #undef TZV_THREAD
+  /// Exported by USB only.
+  Field<int> bProtocolStatus;
   HandOver& hand_over;
 };
 

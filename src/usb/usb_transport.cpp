@@ -2,6 +2,7 @@
 // on such a port answers -3.
 #include "dispatch/port_impl.h"
 #include "dispatch/port_operations.h"
+#include <unistd.h>
 #include "tzvio_state.h"
 
 USBPort usbPorts[TZV_PORTS] = {};
@@ -13,7 +14,7 @@ constexpr std::string_view kPrefixes[] = {"/dev/usb/lp", "/dev/usblp"};
 }  // namespace
 
 PortImpl GetUsbPortImpl() {
-  RegistryOf<usbPorts, &USBPort::port>::forget_all();
+  RegistryOf<usbPorts, &USBPort::port, close>::forget_all();
   PortImpl impl{};
   impl.MatchPortName = [](const char* portName) { return match_prefixes(kPrefixes, portName); };
   return impl;
