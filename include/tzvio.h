@@ -134,8 +134,10 @@ enum { TZV_BARCODE_PDF417 = 200, TZV_BARCODE_QRCODE = 201 };
  * portName      as above; 1 to 99 characters
  * portSettings  as above; at most 99 characters
  *
- * Sends DLE EOT 2 and DLE EOT 4 (10 04 02, 10 04 04) and waits for the answers: up to 0.5 s to
- * drain the line and 1.2 s for each answer on a serial line.
+ * Sends DLE EOT 2 and DLE EOT 4 (10 04 02, 10 04 04) and waits for the answers. Serial: up to
+ * 0.5 s to drain the line and 1.2 s for each answer. Parallel: 0.4 s for each. Network: connecting
+ * takes up to 1 s. On USB and network the reads block: a printer that is there but never answers
+ * is waited for without end.
  *
  *  0  open and ready; or the name was open already: then nothing happens, and the first
  *     settings stay
@@ -161,21 +163,29 @@ TZV_API long ClosePort(const char* portName);
  * writeBuffer  the bytes
  * length       how many, 0 or more
  *
+ * A network connection that was lost is made anew first (see InitNET); the bytes are then sent
+ * whole, in one send, whose result is returned.
+ *
  * >=0  the bytes written. Fewer than `length`: the printer took none for 5 s (serial line with
- *      hardware flow control, parallel port)
+ *      hardware flow control, parallel port, USB)
  *  -1  the port is not open, writeBuffer is NULL or length negative: nothing sent
- *  -2  the printer is in an error state (nothing sent), or the link failed
+ *  -2  the printer is in an error state (nothing sent), the link failed, or a lost connection could
+ *      not be made anew
+ *  Network: the results of its sends are added up as they are, so a connection that is lost on the
+ *  way may leave a count below 0 or above `length`.
  */
 TZV_API long WritePort(const char* portName, const char* writeBuffer, long length);
 
-/* Reads what the printer sent, waiting 200 ms of silence on a serial line.
+/* Reads what the printer sent. Serial: waits for 200 ms of silence. Parallel: does not wait. USB:
+ * waits 200 ms, then until the printer sends something. Network: until the printer sends something.
  *
  * readBuffer  room for `length` bytes; no NUL is added
  * length      0 or more; 0 returns 0 without touching the line
  *
- * >=0  the bytes read
- *  -1  the port is not open, readBuffer is NULL or length negative
- *  -2  nothing came, or the link failed
+ * >=0  the bytes read; 0 on a network: the printer has shut the connection down
+ *  -1  the port is not open, readBuffer is NULL or length negative; or the read failed (USB,
+ *      network)
+ *  -2  nothing came, or the link failed (serial); the printer does not answer (parallel)
  */
 TZV_API long ReadPort(const char* portName, char* readBuffer, long length);
 
@@ -223,7 +233,23 @@ TZV_API long GetDrawerStatus(const char* portName);
  */
 TZV_API long ClaimDevice(const char* portName, long TimeoutMillis);
 
+/* Makes a lost network connection anew and has it monitored. Every write to a port whose monitor
+ * saw the connection lost does so by itself, stopping the monitor first and waiting a second
+ * afterwards; applications need not call this.
+ *
+ * Closes what the port had, connects within 1 s, sends the line "LINK\n", and starts the monitor
+ * of the port as ClaimDevice does. A connection that comes about within the connecting call itself
+ * gets neither line nor monitor.
+ *
+ *  0  connected
+ * -1  no network port of that name is open, the printer cannot be reached (the port stays open,
+ *     and the next write tries again), or no thread can be created
+ */
+TZV_API long InitNET(const char* portName);
+
 /* Tells the monitors of all ports of the link to end, which they do within one cycle (500 ms).
+ * Waits 1 s on a parallel port. On a network it has the printer report once more (GS a 255) and
+ * waits 300 ms.
  *
  *  0  told
  * -1  the port is not open

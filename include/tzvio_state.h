@@ -152,6 +152,16 @@ TZV_API extern ParPort parPorts[TZV_PORTS];
 TZV_API extern USBPort usbPorts[TZV_PORTS];
 TZV_API extern NETPort netPorts[TZV_PORTS];
 
+/* The status monitor of a network port as the body of a thread: ClaimDevice and InitNET start it,
+ * applications need not. Monitors the port on the calling thread until NStopIt is 0 or the
+ * connection is lost; returns at once when a monitor serves the port already.
+ *
+ * netPort  a NETPort, of which the portName is looked at; may be NULL: returns at once
+ *
+ * NULL
+ */
+TZV_API void* NetStatusHandler(void* netPort);
+
 #ifdef __cplusplus
 }
 #endif

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "status/collected_job.h"
+#include "status/exchange.h"
 #include "status/queries.h"
 
 namespace {
@@ -64,7 +65,7 @@ long read_port(const Transport& transport, const char* portName, char* readBuffe
   if (length == 0) return 0;
   const PortHandle port = transport.registry.find(portName);
   if (!port || readBuffer == nullptr || length < 0) return kFailed;
-  return transport.read(port, {readBuffer, static_cast<std::size_t>(length)}, kRawRead);
+  return read_for_caller(transport, port, {readBuffer, static_cast<std::size_t>(length)}, kRawRead);
 }
 
 long close_port(const Transport& transport, const char* portName) {

@@ -158,20 +158,22 @@ class RegistryOf {
     return true;
   }
 
-  /// Gives a port that has none its new descriptor. False, after hanging up, when it is closed by
-  /// now or there is no room.
+  /// Gives an open port another descriptor. False, after hanging up the new one, when the port is
+  /// closed by now or there is no room.
   static bool replace(PortHandle port, int number) {
+    SharedDescriptor* replaced = nullptr;
+    SharedDescriptor* shared = nullptr;
     {
       const MutexLock lock(mutex_);
-      SharedDescriptor* const shared = holds(port) ? share(number) : nullptr;
+      if (holds(port)) shared = share(number);
       if (shared != nullptr) {
-        current_[port.entry] = shared;
+        replaced = std::exchange(current_[port.entry], shared);
         ports[port.entry].*descriptor = number;
-        return true;
       }
     }
-    hang_up(number);
-    return false;
+    leave(replaced);
+    if (shared == nullptr) hang_up(number);
+    return shared != nullptr;
   }
 
   /// Whether an open port has given up its descriptor and got no other yet.

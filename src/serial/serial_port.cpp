@@ -1,12 +1,8 @@
 // Opening, configuring and closing a serial line.
 #include "serial/serial_port.h"
 
-#include <fcntl.h>
-#include <termios.h>
-
 #include <cstring>
 
-#include "dispatch/system.h"
 #include "serial/serial_settings.h"
 
 SerPort serPorts[TZV_PORTS] = {};
@@ -96,7 +92,7 @@ Opened SerialOpenPort(int entry, const char* portName, const char* portSettings)
   if (!settings) return {kNotAccepted};
   std::memcpy(opened.portSettings, portSettings, std::strlen(portSettings));
 
-  opened.port = retry_interrupted([&] { return open(portName, O_RDWR | O_NOCTTY | O_NONBLOCK); });
+  opened.port = open_device_file(portName, O_RDWR | O_NOCTTY | O_NONBLOCK);
   if (opened.port == -1) return {kFailed};
   const long configured = serConfigurePort(opened, *settings);
   if (configured != kOk) {
@@ -104,9 +100,4 @@ Opened SerialOpenPort(int entry, const char* portName, const char* portSettings)
     return {configured};
   }
   return {SerialPorts::store(entry, opened)};
-}
-
-void serial_hang_up(int descriptor) {
-  tcflush(descriptor, TCIOFLUSH);
-  close(descriptor);
 }

@@ -4,12 +4,10 @@
 #include <span>
 #include <string_view>
 
+#include "dispatch/device_file.h"
 #include "dispatch/transport.h"
 
-/// Discards what is still under way and closes the line.
-void serial_hang_up(int descriptor);
-
-using SerialPorts = RegistryOf<serPorts, &SerPort::port, serial_hang_up>;
+using SerialPorts = RegistryOf<serPorts, &SerPort::port, flush_and_close>;
 
 /// The printer's DSR line: up while it has power and takes bytes.
 enum class Dsr { up, down, unknown };

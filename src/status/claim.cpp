@@ -51,6 +51,7 @@ bool told_to_end(RunningMonitor& running) {
   return running.ended;
 }
 
+/// A monitor that has lost its link.
 void end_alone(RunningMonitor& running) {
   const MutexLock lock(monitors_mutex);
   running.ended = true;
@@ -89,17 +90,22 @@ void join_ended() {
   }
 }
 
-/// Whether a monitor serves the port; one that was told to end but has not yet goes on. Called
-/// with the lock.
-bool keep_monitor(const Transport& transport, const char* portName) {
+/// The monitor that serves the port, or null; it may be told to end already. Called with the lock.
+RunningMonitor* find_running(const Transport& transport, const char* portName) {
   for (RunningMonitor* running = monitors; running != nullptr; running = running->next) {
     if (running->process == getpid() && !running->ended &&
         running->monitor.serves(transport, portName)) {
-      running->stopped = false;
-      return true;
+      return running;
     }
   }
-  return false;
+  return nullptr;
+}
+
+/// Whether a monitor serves the port; one that was told to end goes on. Called with the lock.
+bool keep_monitor(const Transport& transport, const char* portName) {
+  RunningMonitor* const running = find_running(transport, portName);
+  if (running != nullptr) running->stopped = false;
+  return running != nullptr;
 }
 
 /// Called with the lock; false when the system has no thread to give.
@@ -158,6 +164,20 @@ void stop_monitor(const Transport& transport, const char* portName) {
   });
   clear_StopIt_after_the_last(transport);
   destroy_attributes(transport.state);
+}
+
+void run_monitor(const Transport& transport, const char* portName) {
+  {
+    const MutexLock lock(monitors_mutex);
+    if (find_running(transport, portName) != nullptr) return;
+  }
+  Monitor monitor(transport, portName);
+  while (transport.state.StopIt != 0) {
+    if (monitor.cycle()) continue;
+    const MutexLock lock(monitors_mutex);
+    clear_StopIt_after_the_last(transport);
+    return;
+  }
 }
 
 long claim_device(const Transport& transport, const char* portName, long /*TimeoutMillis*/) {

@@ -13,5 +13,8 @@ bool start_monitor(const Transport& transport, const char* portName);
 /// Tells the port's monitor to end, and leaves those of other ports alone.
 void stop_monitor(const Transport& transport, const char* portName);
 
+/// Monitors the port on the calling thread until told to end, unless a monitor serves it already.
+void run_monitor(const Transport& transport, const char* portName);
+
 /// Ends every monitor of every transport and waits for them. Before the library goes.
 void end_all_monitors();

@@ -22,6 +22,11 @@ class Exchange {
 /// application may have left.
 void settle_exchanges(const TransportState& state);
 
+/// Reads for a caller. Until it returns, the monitor does not read: where reads block, the one that
+/// came second would wait for what the first has taken.
+long read_for_caller(const Transport& transport, PortHandle port, std::span<char> buffer,
+                     ReadPatience patience);
+
 /// Reads up to 21 times, 10 ms apart, until something comes. The count of the last read.
 long read_answer(const Transport& transport, PortHandle port, std::span<char> answer,
                  ReadPatience patience);

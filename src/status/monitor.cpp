@@ -76,14 +76,14 @@ void Monitor::enable_reports() {
   pause_ms(kEnablePause);
 }
 
-/// Reads what is there, unless a caller waits for an answer or a release for the monitor's end.
-/// The lock makes the look at the flags and the read one step, so that no answer is taken from a
-/// caller.
+/// Reads what is there, unless a caller waits for it or a release for the monitor's end. The lock
+/// makes the look at the flags and the read one step, so that no answer is taken from a caller.
 Received Monitor::read_line() {
   long count = 0;
   {
     const MutexLock lock(state_.hand_over.mutex);
-    if (state_.bStopThread != 0 || state_.StopIt == 0) return {};
+    const bool callers_turn = state_.bStopThread != 0 || state_.hand_over.reads > 0;
+    if (callers_turn || state_.StopIt == 0) return {};
     count = transport_.poll(port_, received_);
   }
   if (count < 0) link_lost_ = !transport_.after_failed_poll(port_);

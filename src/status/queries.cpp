@@ -34,7 +34,7 @@ int ask_status_byte(const Transport& transport, PortHandle port, std::string_vie
   pause_ms(transport.status_exchange.after_query_ms);
   for (int attempt = 0; attempt < kStatusReads; ++attempt) {
     std::array<char, 32> answer;
-    const long count = transport.read(port, answer, kAnswer);
+    const long count = read_for_caller(transport, port, answer, kAnswer);
     if (count > 0) return static_cast<unsigned char>(answer[static_cast<std::size_t>(count) - 1]);
     pause_ms(kRetryPause);
   }
@@ -44,7 +44,7 @@ int ask_status_byte(const Transport& transport, PortHandle port, std::string_vie
 /// One answer to a sensor query, after at most 11 reads; 0 bytes when none comes.
 long read_sensor_answer(const Transport& transport, PortHandle port, std::span<char> answer) {
   for (int reads = 1;; ++reads) {
-    const long count = transport.read(port, answer, kAnswer);
+    const long count = read_for_caller(transport, port, answer, kAnswer);
     if (count > 0) return count;
     if (reads == kSensorReads) return 0;
     pause_ms(kRetryPause);
@@ -109,7 +109,7 @@ long code_by_priority(const TransportState& state) {
 long ask_open_status(const Transport& transport, PortHandle port) {
   if (transport.status_exchange.drain_first) {
     std::array<char, 128> stale;
-    transport.read(port, stale, kDrain);
+    read_for_caller(transport, port, stale, kDrain);
   }
   const int offline_cause = ask_status_byte(transport, port, kAskOfflineCause);
   if (offline_cause < 0) return kFailed;

@@ -31,7 +31,8 @@ class Field {
 /// What callers and the monitor of a transport settle under a lock, beside the exported flags.
 struct HandOver {
   pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
-  int exchanges = 0;  ///< callers that wait for an answer
+  int exchanges = 0;  ///< callers that expect an answer
+  int reads = 0;      ///< callers that are in a read
   int senders = 0;    ///< callers that are sending the collected job
 };
 
