@@ -200,9 +200,7 @@ class RegistryOf {
     return port && ports[port.entry].set && openings_[port.entry] == port.opening;
   }
 
-  static PortHandle handle_of(int entry) {
-    return {entry, openings_[entry], connections_[entry]};
-  }
+  static PortHandle handle_of(int entry) { return {entry, openings_[entry], connections_[entry]}; }
 
   static SharedDescriptor* share(int number) {
     for (SharedDescriptor& free : descriptors_) {

@@ -12,8 +12,8 @@
 
 namespace {
 
-/// A socket's flags cannot fail to be had: if they do, the process ends as by an assertion, in every
-/// type of build.
+/// A socket's flags cannot fail to be had: if they do, the process ends as by an assertion, in
+/// every type of build.
 void check_flag_call(int result, const char* assertion) {
   if (result != -1) return;
   std::fprintf(stderr, "%s: Assertion `%s' failed.\n", program_invocation_short_name, assertion);

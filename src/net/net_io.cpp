@@ -105,8 +105,8 @@ long NETReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience /*pati
 long NetworkPoll(PortHandle port, std::span<char> buffer) {
   const NetPorts::Use sock(port);
   if (!is_readable(sock)) return 0;
-  const long count = retry_interrupted(
-      [&] { return recv(sock, buffer.data(), buffer.size(), MSG_DONTWAIT); });
+  const long count =
+      retry_interrupted([&] { return recv(sock, buffer.data(), buffer.size(), MSG_DONTWAIT); });
   if (count > 0) {
     network_state.bPowerOFF = 0;
     network_state.bOffline = 0;

@@ -1,4 +1,5 @@
-// The connection's part of the status monitor: a lost one ends it, and the next write connects anew.
+// The connection's part of the status monitor: a lost one ends it, and the next write connects
+// anew.
 #include "net/net_port.h"
 #include "status/claim.h"
 

@@ -35,16 +35,16 @@ HandOver serial_hand_over, parallel_hand_over, usb_hand_over, network_hand_over;
 #define TZV_NETWORK(type, field, serial, parallel, usb, network, ...) .field{network},
 #define TZV_NETWORK_THREAD(type, field, serial, parallel, usb, network) .field{network},
 
-constinit const TransportState serial_state{TZV_STATE_FIELDS(TZV_SERIAL, TZV_SERIAL, TZV_SERIAL)
-                                                .bProtocolStatus{serial_protocol_status},
-                                            .hand_over = serial_hand_over};
+constinit const TransportState serial_state{
+    TZV_STATE_FIELDS(TZV_SERIAL, TZV_SERIAL, TZV_SERIAL).bProtocolStatus{serial_protocol_status},
+    .hand_over = serial_hand_over};
 constinit const TransportState parallel_state{
     TZV_STATE_FIELDS(TZV_PARALLEL, TZV_PARALLEL, TZV_PARALLEL)
         .bProtocolStatus{parallel_protocol_status},
     .hand_over = parallel_hand_over};
-constinit const TransportState usb_state{TZV_STATE_FIELDS(TZV_USB, TZV_USB, TZV_USB)
-                                             .bProtocolStatus{u_bProtocolStatus},
-                                         .hand_over = usb_hand_over};
+constinit const TransportState usb_state{
+    TZV_STATE_FIELDS(TZV_USB, TZV_USB, TZV_USB).bProtocolStatus{u_bProtocolStatus},
+    .hand_over = usb_hand_over};
 constinit const TransportState network_state{
     TZV_STATE_FIELDS(TZV_NETWORK, TZV_NETWORK, TZV_NETWORK_THREAD)
         .bProtocolStatus{network_protocol_status},

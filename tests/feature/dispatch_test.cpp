@@ -84,31 +84,107 @@ const std::vector<std::string> kNotBuilt = {
     "PrintNVBitmap",    "DeleteNVBitmap",  "UpdateFW",     "StartPageMode",  "EndPageMode",
     "Print2DBarCodeXY", "PrintNVBitmapXY", "PrintTextXY"};
 
-TEST_F(Dispatch, operations_that_the_serial_link_does_not_supply) {
-  EXPECT_THAT(missing(GetSerialPortImpl()), ElementsAreArray(kNotBuilt));
-}
-
-TEST_F(Dispatch, other_links_accept_their_names_and_supply_nothing) {
-  for (const PortImpl& impl : {GetUsbPortImpl(), GetParallelPortImpl(), GetNetPortImpl()}) {
-    EXPECT_NE(impl.MatchPortName, nullptr);
-    EXPECT_EQ(missing(impl).size(), 38U);
+TEST_F(Dispatch, every_link_supplies_the_same_operations) {
+  for (const PortImpl& impl :
+       {GetUsbPortImpl(), GetParallelPortImpl(), GetSerialPortImpl(), GetNetPortImpl()}) {
+    EXPECT_THAT(missing(impl), ElementsAreArray(kNotBuilt));
   }
 }
 
-TEST_F(Dispatch, a_missing_operation_answers_minus_3_while_others_work) {
-  for (const std::string& name : kNotBuilt) {
-    for (const Operation& operation : kAllOperations) {
-      if (operation.name == name) {
-        EXPECT_EQ(operation.call("/dev/ttyS0"), -3) << name;
-      }
-    }
-  }
-  EXPECT_EQ(GetError("/dev/ttyS0"), -1);
+class DispatchToLink : public EveryLink {};
+TZV_ON_EVERY_LINK(DispatchToLink);
+
+TEST_P(DispatchToLink, a_missing_operation_answers_minus_3_while_others_work) {
   for (const Operation& operation : kAllOperations) {
-    EXPECT_EQ(operation.call("/dev/usb/lp0"), -3) << operation.name;
-    EXPECT_EQ(operation.call("/dev/lp0"), -3) << operation.name;
-    EXPECT_EQ(operation.call("SOCKET:127.0.0.1"), -3) << operation.name;
+    if (std::find(kNotBuilt.begin(), kNotBuilt.end(), operation.name) == kNotBuilt.end()) continue;
+    EXPECT_EQ(operation.call(port), -3) << operation.name;
   }
+  EXPECT_EQ(GetError(port), 0);
+}
+
+TEST_P(DispatchToLink, operations_of_a_name_that_is_not_open_answer_minus_1) {
+  ClosePort(port);
+  kernel.forget_calls();
+  for (const Operation& operation : kAllOperations) {
+    if (operation.name == "OpenPort") continue;
+    if (std::find(kNotBuilt.begin(), kNotBuilt.end(), operation.name) != kNotBuilt.end()) continue;
+    EXPECT_EQ(operation.call(port), -1) << operation.name;
+  }
+  EXPECT_TRUE(kernel.calls().empty());
+}
+
+TEST_P(DispatchToLink, an_open_name_is_neither_opened_nor_asked_again) {
+  EXPECT_EQ(OpenPort(port, link.settings.c_str()), 0);
+  EXPECT_EQ(OpenPort(port, nullptr), 0);
+  EXPECT_TRUE(kernel.calls().empty());
+}
+
+TEST_P(DispatchToLink, twenty_ports_open_and_a_21st_does_not) {
+  const std::string stem = link.port.substr(0, link.port.find_last_not_of("0123456789") + 1);
+  const auto name = [&](int i) { return stem + std::to_string(i); };
+  // The fixture's own port is one of them.
+  for (int i = 20; i < 40; ++i) kernel.plug(name(i)).answer_ready();
+  for (int i = 20; i < 39; ++i) EXPECT_EQ(OpenPort(name(i).c_str(), link.settings.c_str()), 0);
+  kernel.forget_calls();
+  EXPECT_EQ(OpenPort(name(39).c_str(), link.settings.c_str()), -1);
+  EXPECT_TRUE(kernel.calls().empty());
+  EXPECT_EQ(ClosePort(name(27).c_str()), 0);
+  EXPECT_EQ(OpenPort(name(39).c_str(), link.settings.c_str()), 0);
+}
+
+TEST_P(DispatchToLink, a_name_of_100_characters_is_refused) {
+  EXPECT_EQ(OpenPort((link.port + std::string(100 - link.port.size(), '0')).c_str(), "1"), -1);
+  EXPECT_TRUE(kernel.calls().empty());
+}
+
+TEST_P(DispatchToLink, a_fresh_port_resets_the_job_of_its_link) {
+  ClosePort(port);
+  *state.PageSize = 3;
+  (*state.PageBuffer)[0] = 'x';
+  (*state.PageBuffer)[TZV_PAGE_BUFFER_SIZE - 1] = 'x';
+  *state.bProtocol = *state.RePrint = *state.bSleepFlag = *state.bPowerOFF = 1;
+  u_bProtocolStatus = 1;
+  *state.TransactionPrint = 1;
+  *state.bPaperNearEmpty = *state.bDrawerOpened = 1;
+  ASSERT_EQ(OpenPort(port, link.settings.c_str()), 0);
+  EXPECT_EQ(*state.PageSize, 0);
+  EXPECT_EQ((*state.PageBuffer)[0], 0);
+  EXPECT_EQ((*state.PageBuffer)[TZV_PAGE_BUFFER_SIZE - 1], 0);
+  EXPECT_EQ(*state.bProtocol, 0);
+  EXPECT_EQ(*state.RePrint, 0);
+  EXPECT_EQ(*state.bSleepFlag, 0);
+  EXPECT_EQ(*state.TransactionPrint, 0);
+  EXPECT_EQ(*state.bPowerOFF, 0);
+  EXPECT_EQ(u_bProtocolStatus, link.name == "usb" ? 0 : 1);
+  EXPECT_EQ(*state.bPaperNearEmpty + *state.bDrawerOpened, 2) << "what the monitor saw stays";
+}
+
+TEST_P(DispatchToLink, closing_frees_the_port_and_drops_the_job) {
+  *state.PageSize = 5;
+  (*state.PageBuffer)[4] = 'x';
+  *state.bProtocol = *state.RePrint = *state.bSleepFlag = *state.StopIt = 1;
+  u_bProtocolStatus = 1;
+  EXPECT_EQ(ClosePort(port), 0);
+  EXPECT_EQ(kernel.open_descriptors(), 0U);
+  EXPECT_EQ(*state.PageSize, 0);
+  EXPECT_EQ((*state.PageBuffer)[4], 0);
+  EXPECT_EQ(*state.bProtocol, 0);
+  EXPECT_EQ(*state.RePrint, 0);
+  EXPECT_EQ(u_bProtocolStatus, link.name == "usb" ? 0 : 1);
+  EXPECT_EQ(*state.bSleepFlag, 1);
+  EXPECT_EQ(*state.StopIt, 1) << "a monitor goes on until it is told to end";
+  EXPECT_EQ(ClosePort(port), -1);
+}
+
+TEST_P(DispatchToLink, links_do_not_share_their_flags) {
+  *state.bCoverOpen = 1;
+  for (const Link& other : kLinks) {
+    if (other.name == link.name) continue;
+    kernel.plug(other.port).answer_ready();
+    EXPECT_EQ(OpenPort(other.port.c_str(), other.settings.c_str()), 0);
+    EXPECT_EQ(GetError(other.port.c_str()), 0);
+  }
+  EXPECT_EQ(GetError(port), 1);
 }
 
 TEST_F(Dispatch, a_table_is_handed_out_with_its_registry_empty) {
@@ -119,30 +195,22 @@ TEST_F(Dispatch, a_table_is_handed_out_with_its_registry_empty) {
   EXPECT_EQ(GetError("/dev/ttyS0"), -1);
 }
 
-TEST_F(Dispatch, unloading_closes_every_open_port) {
-  for (const char* name : {"/dev/ttyS0", "/dev/ttyS1", "/dev/ttyS2"}) {
-    kernel.plug(name).answer_ready();
-    ASSERT_EQ(OpenPort(name, "9600,none,8,1,none"), 0);
+TEST_F(Dispatch, unloading_closes_every_open_port_in_the_order_of_the_links) {
+  for (const Link& link : kLinks) {
+    for (const std::string& name : {link.port, link.second_port}) {
+      kernel.plug(name).answer_ready();
+      ASSERT_EQ(OpenPort(name.c_str(), link.settings.c_str()), 0);
+    }
   }
   ASSERT_EQ(ClosePort("/dev/ttyS1"), 0);
   kernel.forget_calls();
   libDestructor();
   EXPECT_THAT(kernel.log(),
-              testing::ElementsAre("tcflush both", "close 700", "tcflush both", "close 702"));
+              testing::ElementsAre("tcflush both", "close 704", "tcflush both", "close 705",
+                                   "PPRELEASE", "close 702", "PPRELEASE", "close 703",
+                                   "tcflush both", "close 700", "close 706", "close 707"));
   EXPECT_EQ(kernel.open_descriptors(), 0U);
-  EXPECT_EQ(GetError("/dev/ttyS0"), -1);
-}
-
-TEST_F(Dispatch, operations_of_a_name_that_is_not_open_answer_minus_1) {
-  EXPECT_EQ(WritePort("/dev/ttyS9", "x", 1), -1);
-  char buffer[4];
-  EXPECT_EQ(ReadPort("/dev/ttyS9", buffer, 4), -1);
-  EXPECT_EQ(GetPrinterStatus("/dev/ttyS9"), -1);
-  EXPECT_EQ(GetError("/dev/ttyS9"), -1);
-  EXPECT_EQ(GetDrawerStatus("/dev/ttyS9"), -1);
-  EXPECT_EQ(PrintNormal("/dev/ttyS9", "x"), -1);
-  EXPECT_EQ(ClosePort("/dev/ttyS9"), -1);
-  EXPECT_TRUE(kernel.calls().empty());
+  for (const Link& link : kLinks) EXPECT_EQ(GetError(link.port.c_str()), -1);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ class SerialIo : public ScriptedTest {
 
   int64_t elapsed_ms() const { return kernel.now_ms() - started_ms; }
 
-  SerialDevice& printer = kernel.plug(kPort);
+  Device& printer = kernel.plug(kPort);
   int64_t started_ms = 0;
 };
 

@@ -33,7 +33,7 @@ class SerialOpen : public ScriptedTest {
     return printer.line;
   }
 
-  SerialDevice& printer = kernel.plug(kPort);
+  Device& printer = kernel.plug(kPort);
 };
 
 // ------------------------------------------------------------------------------- the open
@@ -91,23 +91,6 @@ TEST_F(SerialOpen, twenty_ports_open_and_a_21st_does_not) {
   ASSERT_EQ(ClosePort("/dev/ttyS-7"), 0);
   EXPECT_EQ(OpenPort("/dev/ttyS-20", kSettings), 0);
   EXPECT_STREQ(serPorts[7].portName, "/dev/ttyS-20");
-}
-
-TEST_F(SerialOpen, a_fresh_port_resets_the_job_of_its_link) {
-  s_PageSize = 3;
-  s_PageBuffer[0] = 'x';
-  s_PageBuffer[TZV_PAGE_BUFFER_SIZE - 1] = 'x';
-  s_bProtocol = s_RePrint = s_bSleepFlag = m_bPowerOFF = 1;
-  s_TransactionPrint = 1;
-  ASSERT_EQ(OpenPort(kPort, kSettings), 0);
-  EXPECT_EQ(s_PageSize, 0);
-  EXPECT_EQ(s_PageBuffer[0], 0);
-  EXPECT_EQ(s_PageBuffer[TZV_PAGE_BUFFER_SIZE - 1], 0);
-  EXPECT_EQ(s_bProtocol, 0);
-  EXPECT_EQ(s_RePrint, 0);
-  EXPECT_EQ(s_bSleepFlag, 0);
-  EXPECT_EQ(s_TransactionPrint, 0);
-  EXPECT_EQ(m_bPowerOFF, 0);
 }
 
 TEST_F(SerialOpen, error_flags_survive_open_and_close) {

@@ -22,39 +22,76 @@ struct OpenRow {
   long result;
 };
 
-class OpenStatus : public ScriptedTest, public testing::WithParamInterface<OpenRow> {};
+class OpenStatus : public ScriptedTest,
+                   public testing::WithParamInterface<std::tuple<Link, OpenRow>> {};
 
 INSTANTIATE_TEST_SUITE_P(
     rows, OpenStatus,
-    testing::Values(
-        OpenRow{"ready", "\x12", "\x12", 0}, OpenRow{"ready_zero_bytes", "\0"s, "\0"s, 0},
-        OpenRow{"cover_open", "\x16", "\x12", 1}, OpenRow{"cover_bit_alone", "\x04", "\x12", 1},
-        OpenRow{"cover_wins_over_paper", "\x16", "\x72", 1},
-        OpenRow{"other_cover_bits_do_not_count", "\xfb", "\x12", 0},
-        OpenRow{"paper_out", "\x12", "\x72", 2}, OpenRow{"paper_bit_5_alone", "\x12", "\x20", 2},
-        OpenRow{"paper_bit_6_alone", "\x12", "\x40", 2},
-        OpenRow{"other_paper_bits_do_not_count", "\x12", "\x9f", 0},
-        OpenRow{"last_byte_counts_healthy", "\x16\x12", "\x72\x12", 0},
-        OpenRow{"last_byte_counts_open", "\x12\x12\x16", "\x12", 1},
-        OpenRow{"mute_from_the_start", "", "", -1},
-        OpenRow{"mute_after_the_first_answer", "\x12", "", -1}),
-    [](const auto& row) { return row.param.name; });
+    testing::Combine(testing::ValuesIn(kLinks),
+                     testing::Values(OpenRow{"ready", "\x12", "\x12", 0},
+                                     OpenRow{"ready_zero_bytes", "\0"s, "\0"s, 0},
+                                     OpenRow{"cover_open", "\x16", "\x12", 1},
+                                     OpenRow{"cover_bit_alone", "\x04", "\x12", 1},
+                                     OpenRow{"cover_wins_over_paper", "\x16", "\x72", 1},
+                                     OpenRow{"other_cover_bits_do_not_count", "\xfb", "\x12", 0},
+                                     OpenRow{"paper_out", "\x12", "\x72", 2},
+                                     OpenRow{"paper_bit_5_alone", "\x12", "\x20", 2},
+                                     OpenRow{"paper_bit_6_alone", "\x12", "\x40", 2},
+                                     OpenRow{"other_paper_bits_do_not_count", "\x12", "\x9f", 0},
+                                     OpenRow{"last_byte_counts_healthy", "\x16\x12", "\x72\x12", 0},
+                                     OpenRow{"last_byte_counts_open", "\x12\x12\x16", "\x12", 1},
+                                     OpenRow{"mute_from_the_start", "", "", -1},
+                                     OpenRow{"mute_after_the_first_answer", "\x12", "", -1})),
+    [](const auto& tested) {
+      return std::get<Link>(tested.param).name + "_" + std::get<OpenRow>(tested.param).name;
+    });
 
 TEST_P(OpenStatus, decides_the_result_and_the_port_stays_open) {
-  const OpenRow& row = GetParam();
-  SerialDevice& printer = kernel.plug("/dev/ttyS0");
+  const auto& [link, row] = GetParam();
+  Device& printer = kernel.plug(link.port);
   if (!row.cover_answer.empty()) printer.answer(kAskCover, row.cover_answer);
   if (!row.paper_answer.empty()) printer.answer(kAskPaper, row.paper_answer);
-  EXPECT_EQ(OpenPort("/dev/ttyS0", "9600,none,8,1,none"), row.result);
-  EXPECT_EQ(GetError("/dev/ttyS0"), 0) << "no flag is set";
-  EXPECT_EQ(serPorts[0].set, 1);
+  EXPECT_EQ(OpenPort(link.port.c_str(), link.settings.c_str()), row.result);
+  EXPECT_EQ(GetError(link.port.c_str()), 0) << "open, and no flag is set";
   EXPECT_EQ(kernel.open_descriptors(), 1U);
+}
+
+struct Wait {
+  std::string link;
+  int64_t ready_ms;  ///< of an open whose printer answers at once
+  int64_t mute_ms;   ///< of one whose printer does not
+};
+
+class OpenWait : public ScriptedTest, public testing::WithParamInterface<Wait> {};
+
+// Serial: half a second of draining, 20 ms after each query, and 200 ms of silence in each of four
+// reads with 100 ms after each. Parallel: 10 ms, and reads that do not wait. USB: 200 ms before
+// each read.
+INSTANTIATE_TEST_SUITE_P(links, OpenWait,
+                         testing::Values(Wait{"serial", 500 + 2 * 20, 500 + 20 + 4 * 300},
+                                         Wait{"parallel", 2 * 10, 10 + 4 * 100},
+                                         Wait{"usb", 2 * 200, 4 * 300},
+                                         Wait{"network", 0, 4 * 100}),
+                         [](const auto& tested) { return tested.param.link; });
+
+TEST_P(OpenWait, is_the_links_own) {
+  for (const Link& link : kLinks) {
+    if (link.name != GetParam().link) continue;
+    Device& printer = kernel.plug(link.port);
+    printer.answer_ready();
+    EXPECT_EQ(OpenPort(link.port.c_str(), link.settings.c_str()), 0);
+    EXPECT_EQ(kernel.now_ms(), GetParam().ready_ms);
+    ClosePort(link.port.c_str());
+    printer.mute();
+    EXPECT_EQ(OpenPort(link.port.c_str(), link.settings.c_str()), -1);
+    EXPECT_EQ(kernel.now_ms(), GetParam().ready_ms + GetParam().mute_ms);
+  }
 }
 
 class SerialOpenStatus : public ScriptedTest {
  protected:
   long open() { return OpenPort("/dev/ttyS0", "9600,none,8,1,none"); }
-  SerialDevice& printer = kernel.plug("/dev/ttyS0");
+  Device& printer = kernel.plug("/dev/ttyS0");
 };
 
 TEST_F(SerialOpenStatus, drains_for_half_a_second_and_pauses_after_each_query) {

@@ -2,11 +2,14 @@
 // the scripted kernel, for everything else to libc.
 #include <dlfcn.h>
 #include <pthread.h>
+#include <sys/select.h>
+#include <sys/socket.h>
 #include <sys/types.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cstdarg>
+#include <cstdint>
 
 #include "support/real_devices.h"
 #include "support/scripted_kernel.h"
@@ -65,6 +68,63 @@ int ioctl(int descriptor, unsigned long request, ...) noexcept {
   if (kernel().owns(descriptor)) return kernel().ioctl(descriptor, request, argument);
   static const auto libc = real<int(int, unsigned long, ...)>("ioctl");
   return libc(descriptor, request, argument);
+}
+
+int socket(int domain, int type, int protocol) noexcept {
+  if (kernel().active() && domain == AF_INET && kernel().has_network()) return kernel().socket();
+  static const auto libc = real<int(int, int, int)>("socket");
+  return libc(domain, type, protocol);
+}
+
+int connect(int descriptor, const sockaddr* address, socklen_t size) {
+  if (kernel().owns(descriptor)) return kernel().connect(descriptor, address);
+  static const auto libc = real<decltype(connect)>("connect");
+  return libc(descriptor, address, size);
+}
+
+int setsockopt(int descriptor, int level, int option, const void* value, socklen_t size) noexcept {
+  if (kernel().owns(descriptor)) return kernel().setsockopt(descriptor, option, value, size);
+  static const auto libc = real<int(int, int, int, const void*, socklen_t)>("setsockopt");
+  return libc(descriptor, level, option, value, size);
+}
+
+int fcntl(int descriptor, int command, ...) {
+  va_list arguments;
+  va_start(arguments, command);
+  void* argument = va_arg(arguments, void*);
+  va_end(arguments);
+  if (kernel().owns(descriptor)) {
+    return kernel().fcntl(descriptor, command,
+                          static_cast<int>(reinterpret_cast<intptr_t>(argument)));
+  }
+  static const auto libc = real<int(int, int, ...)>("fcntl");
+  return libc(descriptor, command, argument);
+}
+
+int select(int count, fd_set* reads, fd_set* writes, fd_set* exceptions, timeval* timeout) {
+  const auto asks_for_ours = [count](const fd_set* set) {
+    for (int i = 0; set != nullptr && i < count; ++i) {
+      if (FD_ISSET(i, set) && kernel().owns(i)) return true;
+    }
+    return false;
+  };
+  if (asks_for_ours(reads) || asks_for_ours(writes)) {
+    return kernel().select(count, reads, writes, timeout);
+  }
+  static const auto libc = real<decltype(select)>("select");
+  return libc(count, reads, writes, exceptions, timeout);
+}
+
+ssize_t send(int descriptor, const void* bytes, size_t size, int flags) {
+  if (kernel().owns(descriptor)) return kernel().send(descriptor, bytes, size, flags);
+  static const auto libc = real<decltype(send)>("send");
+  return libc(descriptor, bytes, size, flags);
+}
+
+ssize_t recv(int descriptor, void* buffer, size_t size, int flags) {
+  if (kernel().owns(descriptor)) return kernel().recv(descriptor, buffer, size, flags);
+  static const auto libc = real<decltype(recv)>("recv");
+  return libc(descriptor, buffer, size, flags);
 }
 
 int tcgetattr(int descriptor, termios* line) noexcept {

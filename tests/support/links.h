@@ -10,12 +10,21 @@
 
 namespace testkit {
 
-/// One link as a test sees it.
+/// One link as a test sees it: its names, and in what it differs.
 struct Link {
   std::string name;
-  std::string port;
+  std::string port, second_port;
   std::string settings;
   const ExportedState& state;
+  std::string write_call = "write", read_call = "read";
+  std::string poll_call = "read";  ///< the first of those that look for something to read
+  long dead_write = -2;            ///< result of a write when every call fails
+  /// Results of a cut and of a drawer pulse whose write fell short in a healthy state.
+  long short_cut = -2, short_pulse = -2;
+  // Milliseconds.
+  int64_t release_pause = 0;
+  int64_t pause_after_write = 0;
+  int64_t pause_before_read = 0;  ///< of an answer to the caller's own command
 };
 
 inline std::ostream& operator<<(std::ostream& out, const Link& link) {
@@ -47,11 +56,13 @@ class EveryLink : public ScriptedTest, public testing::WithParamInterface<Link> 
 
   /// What was sent since the port was opened.
   const std::string& sent() const { return printer.output; }
+  /// Lets every write fail from now on.
+  void break_writes();
 
   const Link& link = GetParam();
   const ExportedState& state = link.state;
   const char* port = link.port.c_str();
-  SerialDevice& printer;
+  Device& printer;
 };
 
 }  // namespace testkit

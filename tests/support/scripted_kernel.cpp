@@ -1,7 +1,10 @@
 #include "support/scripted_kernel.h"
 
+#include <arpa/inet.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <linux/ppdev.h>
+#include <netinet/in.h>
 #include <sys/ioctl.h>
 
 #include <algorithm>
@@ -36,6 +39,27 @@ std::string describe_queue(int queue) {
   }
 }
 
+std::string describe_request(unsigned long request) {
+  switch (request) {
+    case FIONREAD:
+      return "FIONREAD";
+    case TIOCMGET:
+      return "TIOCMGET";
+    case PPCLAIM:
+      return "PPCLAIM";
+    case PPRELEASE:
+      return "PPRELEASE";
+    case PPNEGOT:
+      return "PPNEGOT";
+    case PPRSTATUS:
+      return "PPRSTATUS";
+    case PPRDATA:
+      return "PPRDATA";
+    default:
+      return "ioctl " + std::to_string(request);
+  }
+}
+
 }  // namespace
 
 const std::string kProcessIdRequest(
@@ -66,15 +90,15 @@ std::string Call::line() const {
   return text;
 }
 
-void SerialDevice::answer(std::string_view query, std::string_view reply, int64_t delay_ms) {
+void Device::answer(std::string_view query, std::string_view reply, int64_t delay_ms) {
   answers_.push_back({std::string(query), std::string(reply), delay_ms, false});
 }
 
-void SerialDevice::confirm_jobs(int64_t delay_ms) {
+void Device::confirm_jobs(int64_t delay_ms) {
   answers_.push_back({kProcessIdRequest, kProcessIdAnswer, delay_ms, true});
 }
 
-void SerialDevice::answer_ready() {
+void Device::answer_ready() {
   answer({"\x10\x04\x02", 3}, "\x12");
   answer({"\x10\x04\x04", 3}, "\x12");
 }
@@ -94,15 +118,32 @@ void Kernel::reset(bool active) {
   next_descriptor_ = kFirstDescriptor;
   devices_.clear();
   descriptors_.clear();
+  unplugged_.clear();
   faults_.clear();
   events_.clear();
   calls_.clear();
 }
 
-SerialDevice& Kernel::plug(const std::string& path) {
+Device& Kernel::plug(const std::string& path) {
   auto& device = devices_[path];
-  device = std::make_unique<SerialDevice>();
+  device = std::make_unique<Device>();
   return *device;
+}
+
+void Kernel::cut(const std::string& path, int error) {
+  unplugged_.insert(path);
+  for (auto& [descriptor, file] : descriptors_) {
+    if (file.path == path) file.lost = error;
+  }
+}
+
+void Kernel::plug_back(const std::string& path) {
+  unplugged_.erase(path);
+}
+
+bool Kernel::has_network() const {
+  return std::any_of(devices_.begin(), devices_.end(),
+                     [](const auto& named) { return named.first.starts_with("SOCKET:"); });
 }
 
 void Kernel::fail(const std::string& name, int error, int nth) {
@@ -152,12 +193,95 @@ bool Kernel::fails(std::string_view name) {
   return fault(name, "", met);
 }
 
+int Kernel::add(std::string path, int flags) {
+  descriptors_[next_descriptor_] = {std::move(path), flags, std::nullopt};
+  return next_descriptor_++;
+}
+
 int Kernel::open(const char* path, int flags) {
   const std::string detail = std::string(path) + " " + describe_flags(flags);
   if (fault("open", detail, take_fault("open"))) return -1;
-  const int descriptor = next_descriptor_++;
-  descriptors_[descriptor] = path;
-  return static_cast<int>(record("open", detail, descriptor));
+  if (unplugged_.contains(path)) {
+    record("open", detail, -1);
+    errno = ENODEV;
+    return -1;
+  }
+  return static_cast<int>(record("open", detail, add(path, flags)));
+}
+
+int Kernel::socket() {
+  if (fault("socket", "", take_fault("socket"))) return -1;
+  return static_cast<int>(record("socket", "", add("", 0)));
+}
+
+int Kernel::connect(int descriptor, const sockaddr* address) {
+  sockaddr_in to{};
+  std::memcpy(&to, address, sizeof to);
+  const std::string host = inet_ntoa(to.sin_addr);
+  const std::string detail = host + ":" + std::to_string(ntohs(to.sin_port));
+  if (fault("connect", detail, take_fault("connect"))) return -1;
+  const std::string path = "SOCKET:" + host;
+  const bool there = devices_.contains(path) && !unplugged_.contains(path);
+  const auto how = there ? devices_.at(path)->connect : Device::Connect::refused;
+  if (how != Device::Connect::refused) descriptors_.at(descriptor).path = path;
+  if (how == Device::Connect::at_once) return static_cast<int>(record("connect", detail, 0));
+  record("connect", detail, -1);
+  errno = how == Device::Connect::refused ? ECONNREFUSED : EINPROGRESS;
+  return -1;
+}
+
+int Kernel::setsockopt(int, int option, const void* value, unsigned size) {
+  const std::string detail =
+      std::to_string(option) + " " + hex({static_cast<const char*>(value), size});
+  if (fault("setsockopt", detail, take_fault("setsockopt"))) return -1;
+  return static_cast<int>(record("setsockopt", detail, 0));
+}
+
+int Kernel::fcntl(int descriptor, int command, int flags) {
+  const std::string detail = command == F_GETFL ? "F_GETFL" : "F_SETFL " + std::to_string(flags);
+  if (fault("fcntl", detail, take_fault("fcntl"))) return -1;
+  int& set = descriptors_.at(descriptor).flags;
+  if (command == F_SETFL) set = flags;
+  return static_cast<int>(record("fcntl", detail, command == F_GETFL ? set : 0));
+}
+
+bool Kernel::readable(int descriptor) {
+  const OpenFile& file = descriptors_.at(descriptor);
+  return file.lost || (!file.path.empty() && !device(descriptor).input.empty());
+}
+
+bool Kernel::writable(int descriptor) {
+  const OpenFile& file = descriptors_.at(descriptor);
+  return !file.path.empty() && device(descriptor).connect != Device::Connect::never;
+}
+
+int Kernel::select(int count, fd_set* reads, fd_set* writes, const timeval* timeout) {
+  const int64_t patience = timeout->tv_sec * int64_t{1000000} + timeout->tv_usec;
+  const std::string detail = (reads != nullptr ? "read " : "write ") + std::to_string(patience);
+  if (fault("select", detail, take_fault("select"))) return -1;
+  const int64_t deadline = now_us_ + patience;
+  for (;;) {
+    int ready = 0;
+    for (int descriptor = kFirstDescriptor; descriptor < count; ++descriptor) {
+      if (reads != nullptr && FD_ISSET(descriptor, reads)) ready += readable(descriptor);
+      if (writes != nullptr && FD_ISSET(descriptor, writes)) ready += writable(descriptor);
+    }
+    if (ready > 0 || now_us_ >= deadline) {
+      return static_cast<int>(record("select", detail, ready));
+    }
+    if (!wait_for_event(deadline - now_us_)) sleep_us("select", deadline - now_us_);
+  }
+}
+
+bool Kernel::wait_for_event(int64_t at_most_us) {
+  if (events_.empty()) return false;
+  const int64_t due = std::max<int64_t>(events_.begin()->first - now_us_, 0);
+  if (due > at_most_us) return false;
+  std::unique_lock lock(turns_);
+  Participant* self = running_;
+  self->wake_us = now_us_ + due;
+  hand_over(lock, self);
+  return true;
 }
 
 int Kernel::close(int descriptor) {
@@ -169,50 +293,105 @@ int Kernel::close(int descriptor) {
 }
 
 ssize_t Kernel::read(int descriptor, void* buffer, std::size_t size) {
-  const Fault met = take_fault("read");
+  return take_in("read", descriptor, buffer, size, true);
+}
+
+ssize_t Kernel::recv(int descriptor, void* buffer, std::size_t size, int flags) {
+  return take_in("recv", descriptor, buffer, size, (flags & MSG_DONTWAIT) == 0);
+}
+
+ssize_t Kernel::take_in(std::string_view name, int descriptor, void* buffer, std::size_t size,
+                        bool blocks) {
+  const Fault met = take_fault(name);
   const std::string detail = std::to_string(size);
-  if (fault("read", detail, met)) return -1;
-  std::string& input = device(descriptor).input;
-  if (input.empty()) {
-    record("read", detail, -1);
-    errno = EAGAIN;
-    return -1;
+  if (fault(name, detail, met)) return -1;
+  blocks = blocks && (descriptors_.at(descriptor).flags & O_NONBLOCK) == 0;
+  constexpr int64_t kOneHour = 3600'000'000;
+  while (blocks && owns(descriptor) && !readable(descriptor) && wait_for_event(kOneHour)) {
   }
+  if (!owns(descriptor) || !readable(descriptor) || device(descriptor).input.empty()) {
+    const int error = owns(descriptor) ? descriptors_.at(descriptor).lost.value_or(EAGAIN) : EBADF;
+    record(name, detail, error == 0 ? 0 : -1);
+    errno = error;
+    return error == 0 ? 0 : -1;
+  }
+  std::string& input = device(descriptor).input;
   std::size_t count = std::min(size, input.size());
   if (met.countdown == 0 && !met.name.empty()) count = std::min(count, met.at_most);
   std::memcpy(buffer, input.data(), count);
   const std::string moved = input.substr(0, count);
   input.erase(0, count);
-  return record("read", detail, static_cast<long>(count), moved);
+  return record(name, detail, static_cast<long>(count), moved);
 }
 
 ssize_t Kernel::write(int descriptor, const void* bytes, std::size_t size) {
-  const Fault met = take_fault("write");
-  const std::string_view given(static_cast<const char*>(bytes), size);
-  if (fault("write", hex(given), met)) return -1;
-  SerialDevice& device = this->device(descriptor);
+  return put_out("write", descriptor, {static_cast<const char*>(bytes), size});
+}
+
+ssize_t Kernel::send(int descriptor, const void* bytes, std::size_t size, int flags) {
+  // Without the flag, a lost connection would end the process with a signal.
+  if ((flags & MSG_NOSIGNAL) == 0) record("SIGPIPE", "", 0);
+  return put_out("send", descriptor, {static_cast<const char*>(bytes), size});
+}
+
+ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view given) {
+  const Fault met = take_fault(name);
+  if (fault(name, hex(given), met)) return -1;
+  const OpenFile& file = descriptors_.at(descriptor);
+  if (file.lost || file.path.empty()) {
+    record(name, hex(given), -1);
+    errno = file.path.starts_with("/dev") ? ENODEV : EPIPE;
+    return -1;
+  }
+  Device& device = this->device(descriptor);
   const std::string taken(met.name.empty() ? given : given.substr(0, met.at_most));
   device.output += taken;
   device.writes.push_back(taken);
-  for (const SerialDevice::Answer& answer : device.answers_) {
-    if (answer.query != taken && !(answer.at_end && taken.ends_with(answer.query))) continue;
+  device.message_ += taken;
+  // A full packet of USB's may be followed by more of the same message.
+  bool complete = !file.path.starts_with("/dev/usb") || taken.size() < 64;
+  for (const Device::Answer& answer : device.answers_) {
+    const bool at_end = answer.at_end && device.message_.ends_with(answer.query);
+    if (answer.query != device.message_ && !at_end) continue;
+    complete = true;
     if (answer.delay_ms == 0) {
       device.input += answer.reply;
     } else {
       at(now_ms() + answer.delay_ms, [&device, reply = answer.reply] { device.input += reply; });
     }
   }
-  record("write", hex(given), static_cast<long>(taken.size()), taken);
+  if (complete) device.message_.clear();
+  record(name, hex(given), static_cast<long>(taken.size()), taken);
   if (device.on_write) device.on_write();
   return static_cast<ssize_t>(taken.size());
 }
 
+int Kernel::ioctl_parallel(Device& device, unsigned long request, void* argument) {
+  if (request == PPNEGOT) {
+    const int mode = *static_cast<int*>(argument);
+    const std::string detail = std::to_string(mode);
+    if (mode == 0 && !device.has_nibble_mode) {
+      record("PPNEGOT", detail, -1);
+      errno = ENXIO;
+      return -1;
+    }
+    device.mode = mode;
+    return static_cast<int>(record("PPNEGOT", detail, 0));
+  }
+  if (request == PPRSTATUS) {
+    *static_cast<unsigned char*>(argument) = device.status_lines;
+    return static_cast<int>(record("PPRSTATUS", hex({static_cast<char*>(argument), 1}), 0));
+  }
+  return static_cast<int>(record(describe_request(request), "", 0));
+}
+
 int Kernel::ioctl(int descriptor, unsigned long request, void* argument) {
-  const std::string name = request == FIONREAD   ? "FIONREAD"
-                           : request == TIOCMGET ? "TIOCMGET"
-                                                 : "ioctl " + std::to_string(request);
-  if (fault(name, "", take_fault(name))) return -1;
-  const SerialDevice& device = this->device(descriptor);
+  const std::string name = describe_request(request);
+  const std::string detail =
+      request == PPNEGOT ? std::to_string(*static_cast<int*>(argument)) : std::string();
+  if (fault(name, detail, take_fault(name))) return -1;
+  Device& device = this->device(descriptor);
+  if (name.starts_with("PP")) return ioctl_parallel(device, request, argument);
   int* value = static_cast<int*>(argument);
   if (request == FIONREAD) {
     *value = static_cast<int>(device.input.size());

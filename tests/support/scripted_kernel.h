@@ -7,11 +7,15 @@
 // of them fail, shorten or stall, and sleep for six seconds in no time.
 //
 //   Kernel& kernel = Kernel::instance();           // reset by the fixture before each test
-//   SerialDevice& printer = kernel.plug("/dev/ttyS0");
+//   Device& printer = kernel.plug("/dev/ttyS0");
 //   printer.answer("\x10\x04\x02", "\x12");        // replies to that very write
 //   kernel.fail("tcsetattr", EIO);                 // the next tcsetattr fails
 //   OpenPort("/dev/ttyS0", "9600,none,8,1,none");
 //   EXPECT_THAT(kernel.log("tcsetattr"), ElementsAre("tcsetattr now = -1"));
+//
+// Reads of a USB node and of a connection block: the clock goes on to the next thing that is
+// scheduled, until one brings a byte. When nothing is scheduled such a read fails with EAGAIN,
+// which no real one does, because a test cannot wait for ever.
 //
 // The clock stands still but for sleeps. What is scheduled with `at()` happens when a sleep passes
 // its time, in order. Threads that the library starts take part: one thread runs at a time, until
@@ -20,6 +24,8 @@
 #pragma once
 
 #include <pthread.h>
+#include <sys/select.h>
+#include <sys/socket.h>
 #include <termios.h>
 
 #include <condition_variable>
@@ -28,6 +34,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,17 +54,30 @@ struct Call {
   std::string line() const;
 };
 
-/// A serial line with a printer behind it. Everything is public to the test.
-class SerialDevice {
+/// A device or an address with a printer behind it, of the kind that its name says. Everything is
+/// public to the test.
+class Device {
  public:
-  termios line{};                   ///< the terminal attributes, as last set
-  int modem_lines = 0;              ///< TIOCM_... bits
   std::string output;               ///< all bytes written so far
   std::string input;                ///< bytes that wait to be read
   std::vector<std::string> writes;  ///< the same as `output`, write by write
   std::function<void()> on_write;   ///< runs after each write
 
-  /// Whenever one write consists of exactly `query`, `reply` arrives `delay_ms` later.
+  // Serial.
+  termios line{};       ///< the terminal attributes, as last set
+  int modem_lines = 0;  ///< TIOCM_... bits
+
+  // Parallel: a printer that is online and answers in nibble mode.
+  unsigned char status_lines = 0x88;  ///< 08 no error, 80 not busy
+  bool has_nibble_mode = true;
+  int mode = -1;  ///< as last negotiated: 256 compatibility, 0 nibble
+
+  // Network: what connecting to it comes to.
+  enum class Connect { pending, at_once, refused, never };
+  Connect connect = Connect::pending;
+
+  /// Whenever one write, or USB's pieces of one, consists of exactly `query`, `reply` arrives
+  /// `delay_ms` later.
   void answer(std::string_view query, std::string_view reply, int64_t delay_ms = 0);
   /// Forgets all answers: the printer is mute.
   void mute() { answers_.clear(); }
@@ -73,6 +94,7 @@ class SerialDevice {
     bool at_end;  // of a longer write, too
   };
   std::vector<Answer> answers_;
+  std::string message_;  // what was written in one go
 };
 
 class Kernel {
@@ -83,7 +105,14 @@ class Kernel {
   /// then are sleeps virtual.
   void reset(bool active);
 
-  SerialDevice& plug(const std::string& path);
+  /// "/dev/ttyS0", "/dev/lp0", "/dev/usb/lp0" or "SOCKET:10.0.0.1".
+  Device& plug(const std::string& path);
+
+  /// What is open under that name fails from now on, and a device does not open any more: a pulled
+  /// USB plug (ENODEV), a connection that is reset (ECONNRESET) or shut down in order (0).
+  void cut(const std::string& path, int error);
+  /// It opens again.
+  void plug_back(const std::string& path);
 
   /// The `nth` next call of that name fails with `error`, without any effect.
   void fail(const std::string& name, int error, int nth = 1);
@@ -111,7 +140,15 @@ class Kernel {
   bool active() const { return active_; }
   bool knows(const char* path) const { return devices_.contains(path); }
   bool owns(int descriptor) const { return descriptors_.contains(descriptor); }
+  bool has_network() const;
   int open(const char* path, int flags);
+  int socket();
+  int connect(int descriptor, const sockaddr* address);
+  int setsockopt(int descriptor, int option, const void* value, unsigned size);
+  int fcntl(int descriptor, int command, int flags);
+  int select(int count, fd_set* readable, fd_set* writable, const timeval* timeout);
+  ssize_t send(int descriptor, const void* bytes, std::size_t size, int flags);
+  ssize_t recv(int descriptor, void* buffer, std::size_t size, int flags);
   int close(int descriptor);
   ssize_t read(int descriptor, void* buffer, std::size_t size);
   ssize_t write(int descriptor, const void* bytes, std::size_t size);
@@ -135,7 +172,23 @@ class Kernel {
     std::size_t at_most;
   };
 
-  SerialDevice& device(int descriptor) { return *devices_.at(descriptors_.at(descriptor)); }
+  /// What a descriptor stands for.
+  struct OpenFile {
+    std::string path;  ///< empty: a socket that is not connected
+    int flags;
+    std::optional<int> lost;  ///< the error that `cut()` gave it
+  };
+
+  Device& device(int descriptor) { return *devices_.at(descriptors_.at(descriptor).path); }
+  int add(std::string path, int flags);
+  ssize_t take_in(std::string_view name, int descriptor, void* buffer, std::size_t size,
+                  bool blocks);
+  ssize_t put_out(std::string_view name, int descriptor, std::string_view given);
+  bool readable(int descriptor);
+  bool writable(int descriptor);
+  int ioctl_parallel(Device& device, unsigned long request, void* argument);
+  /// Lets time pass until the next event, at most so long; false when nothing is to come.
+  bool wait_for_event(int64_t at_most_us);
   /// The fault that this call meets; none when there is no such name.
   Fault take_fault(std::string_view name);
   long record(std::string_view name, std::string detail, long result, std::string_view bytes = {});
@@ -164,8 +217,9 @@ class Kernel {
   uint64_t orders_ = 0;
   int64_t now_us_ = 0;
   int next_descriptor_ = 0;
-  std::map<std::string, std::unique_ptr<SerialDevice>, std::less<>> devices_;
-  std::map<int, std::string> descriptors_;
+  std::map<std::string, std::unique_ptr<Device>, std::less<>> devices_;
+  std::map<int, OpenFile> descriptors_;
+  std::set<std::string> unplugged_;
   std::vector<Fault> faults_;
   std::multimap<int64_t, std::function<void()>> events_;
   std::vector<Call> calls_;
