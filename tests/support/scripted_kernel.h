@@ -113,6 +113,8 @@ class Kernel {
   void cut(const std::string& path, int error);
   /// It opens again.
   void plug_back(const std::string& path);
+  /// The number of the next descriptor; 700 at first.
+  void number_descriptors_from(int first) { next_descriptor_ = first; }
 
   /// The `nth` next call of that name fails with `error`, without any effect.
   void fail(const std::string& name, int error, int nth = 1);
