@@ -7,7 +7,7 @@ build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
 printer='libcairo2-dev libpango1.0-dev libcli11-dev fonts-dejavu-core'
 case ${1-} in
   demo) packages="$build $printer" ;;
-  test) packages="$build $printer googletest" ;;
+  test) packages="$build $printer googletest iproute2" ;;
   lint) packages='clang-format clang-tidy' ;;
   *) echo "usage: $0 demo|test|lint" >&2 && exit 2 ;;
 esac

@@ -6,7 +6,7 @@
 #include <chrono>
 
 #include "support/exported_state.h"
-#include "support/pty_printer.h"
+#include "support/live_printer.h"
 #include "tzvio.h"
 
 namespace testkit {
