@@ -51,6 +51,8 @@
  *   for a second it is asked again, so one that lost power and came back within the wait confirms
  *   from an empty memory. A serial line shows lost power on DSR, and the end is 4 then; where
  *   there is no DSR line (an adapter, a pseudo-terminal) this case cannot be told.
+ *   A network connection that is lost while the job is being sent is made anew, and the whole job
+ *   is sent again; one that is found lost afterwards makes the end 4.
  *   After another result the job stays collected: ending again sends it again, beginning drops it.
  *
  * THREADS
