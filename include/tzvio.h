@@ -568,8 +568,8 @@ TZV_API long GetFWVersion(const char* portName, char* ReadVersion);
  *
  *  0  sent, or the write was refused or failed; or the file cannot be opened (a line on standard
  *     output says so, nothing is sent)
- * -1  the port is not open, paper is out, the cover is open, nothing was written, or a bad
- *     argument
+ * -1  the port is not open (not told of a USB port), paper is out, the cover is open, nothing was
+ *     written, or a bad argument
  */
 TZV_API long UpdateFW(const char* portName, const char* FWFile, long FileType);
 

@@ -1,7 +1,9 @@
 // Makes a transport's table: each slot is a plain function that runs a feature on the transport.
 #pragma once
 
+#include "barcode/print_barcode.h"
 #include "device/drawer.h"
+#include "device/firmware.h"
 #include "device/identity.h"
 #include "device/paper.h"
 #include "device/signals.h"

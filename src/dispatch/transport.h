@@ -106,5 +106,7 @@ struct Transport {
   StatusExchange status_exchange;
   AnswerPatience patience;
   ShortWriteResults short_write;
+  /// Whether UpdateFW tells of a port that is not open; elsewhere only its write meets it.
+  bool update_needs_open_port;
   Release release;
 };

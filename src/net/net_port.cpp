@@ -24,7 +24,9 @@ Opened NETOpenPort(int entry, const char* portName, const char* portSettings) {
   const char* const address = portName + kPrefixLength;
   if (std::strlen(address) >= sizeof opened.RealIP) return {kFailed};
   std::memcpy(opened.RealIP, address, std::strlen(address));
-  opened.portnum = portSettings != nullptr ? std::atoi(portSettings) : 0;
+  if (portSettings != nullptr) {
+    opened.portnum = static_cast<int>(std::strtol(portSettings, nullptr, 10));
+  }
 
   const Connection made = connect_to(opened);
   if (made.sock == -1) return {kFailed};

@@ -27,6 +27,7 @@ constexpr Transport network{
     .status_exchange = {.drain_first = false, .after_query_ms = 0},
     .patience = {.data = kBlocking, .version = kBlocking, .frame = kBlocking},
     .short_write = {.cut = kRefused, .drawer = kOk},
+    .update_needs_open_port = true,
     // GS a 255
     .release = {.wake_up = "\035a\xff", .pause_ms = 300},
 };

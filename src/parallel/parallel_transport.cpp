@@ -25,6 +25,7 @@ constexpr Transport parallel{
     .status_exchange = {.drain_first = true, .after_query_ms = 10},
     .patience = {.data = kAtOnce, .version = kAtOnce, .frame = kAtOnce},
     .short_write = {.cut = kRefused, .drawer = kRefused},
+    .update_needs_open_port = true,
     .release = {.wake_up = {}, .pause_ms = 1000},
 };
 

@@ -24,6 +24,7 @@ constexpr Transport serial{
                  .version = {.min_length = 1, .silence_ms = 200},
                  .frame = {.min_length = 2, .silence_ms = 200}},
     .short_write = {.cut = kRefused, .drawer = kRefused},
+    .update_needs_open_port = true,
     .release = {.wake_up = {}, .pause_ms = 0},
 };
 

@@ -24,6 +24,7 @@ constexpr Transport usb{
                  .version = {.min_length = 1, .silence_ms = 50},
                  .frame = {.min_length = 1, .silence_ms = 50}},
     .short_write = {.cut = kOk, .drawer = kOk},
+    .update_needs_open_port = false,
     .release = {.wake_up = {}, .pause_ms = 0},
 };
 
