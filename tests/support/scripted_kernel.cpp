@@ -39,6 +39,12 @@ std::string describe_queue(int queue) {
   }
 }
 
+/// The bytes in hex, or how many they are when that would be long.
+std::string describe_bytes(std::string_view bytes) {
+  constexpr std::size_t kShown = 256;
+  return bytes.size() > kShown ? std::to_string(bytes.size()) + " bytes" : hex(bytes);
+}
+
 std::string describe_request(unsigned long request) {
   switch (request) {
     case FIONREAD:
@@ -336,10 +342,11 @@ ssize_t Kernel::send(int descriptor, const void* bytes, std::size_t size, int fl
 
 ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view given) {
   const Fault met = take_fault(name);
-  if (fault(name, hex(given), met)) return -1;
+  const std::string detail = describe_bytes(given);
+  if (fault(name, detail, met)) return -1;
   const OpenFile& file = descriptors_.at(descriptor);
   if (file.lost || file.path.empty()) {
-    record(name, hex(given), -1);
+    record(name, detail, -1);
     errno = file.path.starts_with("/dev") ? ENODEV : EPIPE;
     return -1;
   }
@@ -361,7 +368,7 @@ ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view 
     }
   }
   if (complete) device.message_.clear();
-  record(name, hex(given), static_cast<long>(taken.size()), taken);
+  record(name, detail, static_cast<long>(taken.size()), taken);
   if (device.on_write) device.on_write();
   return static_cast<ssize_t>(taken.size());
 }
