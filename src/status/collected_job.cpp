@@ -5,6 +5,7 @@
 
 #include "dispatch/lock.h"
 #include "dispatch/results.h"
+#include "status/clear_pages.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ std::string_view held(const TransportState& state) {
 void take_out(const TransportState& state, std::size_t count) {
   const std::size_t kept = held(state).size() - count;
   std::memmove(state.PageBuffer, state.PageBuffer + count, kept);
-  std::memset(state.PageBuffer + kept, 0, TZV_PAGE_BUFFER_SIZE - kept);
+  clear_pages(state.PageBuffer + kept, TZV_PAGE_BUFFER_SIZE - kept);
   state.PageSize = static_cast<long>(kept);
 }
 

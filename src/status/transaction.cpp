@@ -1,10 +1,10 @@
 #include "status/transaction.h"
 
 #include <array>
-#include <cstring>
 
 #include "dispatch/port_operations.h"
 #include "dispatch/system.h"
+#include "status/clear_pages.h"
 #include "status/collected_job.h"
 #include "status/error_code.h"
 #include "status/exchange.h"
@@ -30,7 +30,7 @@ long begin(const Transport& transport, PortHandle port, long PrintMode) {
 /// Sends the job in one frame and waits for the printer's answer to it, whatever it says.
 void send_framed(const Transport& transport, PortHandle port, std::string_view job) {
   const TransportState& state = transport.state;
-  std::memset(state.ProtocolBuffer, 0, sizeof state.ProtocolBuffer);
+  clear_pages(state.ProtocolBuffer, sizeof state.ProtocolBuffer);
   const std::size_t length = build_frame(job, state.ProtocolBuffer);
   state.bProtocolStatus = 0;
   const Exchange exchange(state);
