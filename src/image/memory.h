@@ -1,0 +1,20 @@
+// Memory for the length of one call.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+struct FreeMemory {
+  void operator()(void* memory) const { std::free(memory); }
+};
+
+using Bytes = std::unique_ptr<std::uint8_t[], FreeMemory>;
+
+/// Null when there is not so much memory. Sizes beyond 31 bits come from broken files only, and
+/// are never there, whatever the machine has.
+inline Bytes allocate(std::size_t size) {
+  if (size > std::numeric_limits<std::int32_t>::max()) return nullptr;
+  return Bytes(static_cast<std::uint8_t*>(std::malloc(size)));
+}
