@@ -4,6 +4,7 @@
 #                 FAULT=paper-out, cover-open, cutter-jam or power-off something goes wrong
 #   make test     build the 32-bit library and run every test
 #   make format   format the sources; make lint checks them
+#   make bench    how fast things are, in both widths
 #   make sanitize the same tests natively, under the sanitizers
 
 JOBS ?= 2
@@ -16,7 +17,7 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test sanitize format lint clean FORCE
+.PHONY: all demo test bench sanitize format lint clean FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -31,6 +32,14 @@ test: build/i386/libTZVIO.so.0
 	@cmake --build --preset native --parallel $(JOBS)
 	@$(CTEST) --preset i386
 	@$(CTEST) --preset native
+
+bench: bench-native bench-i386
+bench-%:
+	@tools/install-dependencies.sh bench
+	@tools/benchmark-source.sh build/benchmark-source
+	@cmake --preset $* -DTZVIO_BENCHMARKS=ON >/dev/null
+	@cmake --build --preset $* --parallel $(JOBS) --target benchmarks
+	@set -e; for program in build/$*/benchmarks/*; do $$program $(BENCH); done
 
 sanitize: $(PRESETS:%=sanitize-%)
 sanitize-%:

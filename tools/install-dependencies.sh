@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
-#   install-dependencies.sh demo|test|lint
+#   install-dependencies.sh demo|test|bench|lint
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
@@ -8,8 +8,9 @@ printer='libcairo2-dev libpango1.0-dev libcli11-dev fonts-dejavu-core'
 case ${1-} in
   demo) packages="$build $printer" ;;
   test) packages="$build $printer googletest iproute2" ;;
+  bench) packages="$build $printer googletest dpkg-dev" ;;
   lint) packages='clang-format clang-tidy' ;;
-  *) echo "usage: $0 demo|test|lint" >&2 && exit 2 ;;
+  *) echo "usage: $0 demo|test|bench|lint" >&2 && exit 2 ;;
 esac
 
 missing=''
