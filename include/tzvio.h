@@ -337,9 +337,10 @@ TZV_API long PrintNormal(const char* portName, const char* writeBuffer);
  */
 TZV_API long PrintNormalSize(const char* portName, const char* writeBuffer, long wlen);
 
-/* Enters page mode (ESC L): what follows is placed on a page that EndPageMode prints.
+/* Enters page mode (ESC L): what follows is placed on a page that EndPageMode prints. The library
+ * does not remember the mode.
  *
- *  0  handed on
+ *  0  handed on; a link that failed does not show
  * -1  the port is not open
  * -2  the printer is in an error state; within a transaction the command is collected anyway
  */
@@ -348,8 +349,8 @@ TZV_API long StartPageMode(const char* portName);
 /* Prints the page and leaves page mode (ESC FF, ESC S). Results as StartPageMode. */
 TZV_API long EndPageMode(const char* portName);
 
-/* Places one line of plain text on the page: GS } X, GS } Y, the text, LF. Escape sequences are
- * not translated.
+/* Places one line of plain text on the page: GS } X, GS } Y, the text, LF; four writes. Escape
+ * sequences are not translated, and columns are not counted.
  *
  * writeBuffer  NUL-terminated
  * PosX, PosY   position in dots, 0 to 65535

@@ -13,6 +13,7 @@
 #include "status/claim.h"
 #include "status/queries.h"
 #include "status/transaction.h"
+#include "text/page_mode.h"
 #include "text/print_text.h"
 
 /// Stands in operations.def for a feature that a slot does not have.

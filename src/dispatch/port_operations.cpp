@@ -93,3 +93,12 @@ long buffered_write(const Transport& transport, PortHandle port, std::string_vie
   if (state.RePrint != 0 || state.TransactionPrint != 0) return collect(state, bytes);
   return guarded_write(transport, port, bytes);
 }
+
+long hand_on(const Transport& transport, const char* portName,
+             std::initializer_list<std::string_view> pieces) {
+  const PortHandle port = transport.registry.find(portName);
+  if (!port) return kFailed;
+  const bool healthy = !in_error_state(transport.state);
+  for (const std::string_view piece : pieces) buffered_write(transport, port, piece);
+  return healthy ? kOk : kRefused;
+}

@@ -1,6 +1,8 @@
 // What opening, writing, reading and closing a port have in common on every link.
 #pragma once
 
+#include <initializer_list>
+
 #include "dispatch/transport.h"
 
 // The operations of the table.
@@ -26,3 +28,9 @@ long guarded_write(const Transport& transport, PortHandle port, std::string_view
 /// on, the bytes are collected instead: their count, or -2 when they do not fit any more (what
 /// is held stays). Otherwise a guarded write.
 long buffered_write(const Transport& transport, PortHandle port, std::string_view bytes);
+
+/// What an operation does whose pieces go the way of the receipt, each by itself, whatever state
+/// the printer is in: within a transaction they are collected even in an error state. 0; -2 in an
+/// error state; -1 when the port is not open.
+long hand_on(const Transport& transport, const char* portName,
+             std::initializer_list<std::string_view> pieces);

@@ -47,3 +47,11 @@ long print_normal(const Transport& transport, const char* portName, const char* 
   if (!port || writeBuffer == nullptr) return kFailed;
   return print_text(transport, port, {writeBuffer, std::strlen(writeBuffer)});
 }
+
+long print_normal_size(const Transport& transport, const char* portName, const char* writeBuffer,
+                       long wlen) {
+  const PortHandle port = transport.registry.find(portName);
+  if (!port || writeBuffer == nullptr) return kFailed;
+  if (wlen < 0) return kRefused;
+  return print_text(transport, port, {writeBuffer, static_cast<std::size_t>(wlen)});
+}

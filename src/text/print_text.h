@@ -4,3 +4,5 @@
 #include "dispatch/transport.h"
 
 long print_normal(const Transport& transport, const char* portName, const char* writeBuffer);
+long print_normal_size(const Transport& transport, const char* portName, const char* writeBuffer,
+                       long wlen);
