@@ -361,51 +361,63 @@ TZV_API long PrintTextXY(const char* portName, const char* writeBuffer, long Pos
 
 /* -------------------------------------------------------------------------------- images */
 
-/* Prints a BMP file dot for dot (GS * to download it, justification, GS / 0).
+/* Prints a BMP file dot for dot: downloads it (GS * x y and the dots), justifies (ESC a), prints
+ * (GS / 0); three writes.
  *
- * Bitmap     path of the file: 1, 4, 8, 16, 24 or 32 bits per pixel, not compressed
+ * Bitmap     path of the file: not compressed, its lowest row first as usual (a file with its top
+ *            row first prints blank). What is black depends on the bits per pixel:
+ *              1         the set bits; the others when the first colour is black
+ *              4         the numbers 0 to 7, and every other pixel, from the first on
+ *              8         the numbers 0 to 127; the width must be a multiple of four
+ *              16 24 32  what is dark
+ *            Use 1 or 24 bits where there is a choice
  * Alignment  TZV_ALIGN_...; any other value centres
  *
- *  0  handed on
- * -1  the port is not open, the file cannot be used (a line on standard output says why), or
- *     the picture is larger than 2880 bytes of 8 by 8 dots: nothing sent
+ *  0  handed on. Whether it was sent or refused in an error state does not show
+ * -1  the port is not open, Bitmap is NULL, the file cannot be used or memory is short (a line on
+ *     standard output says why, but for a few faults within the file), or the picture is larger
+ *     than 2880 squares of 8 by 8 dots: nothing sent
  */
 TZV_API long PrintBitmap(const char* portName, const char* Bitmap, long Alignment);
 
-/* Stores BMP files in the printer's memory in place of all that was stored (ESC @, FS q).
+/* Stores BMP files, as PrintBitmap takes them but of any size, in the printer's memory in place of
+ * all that was stored: ESC @, FS q n, then for each its size (width and height in units of 8 dots,
+ * 16 bits each, low byte first) and its dots. Sent at once, even within a transaction.
  *
- * BitmapList  file names, each followed by '|'; at most 32 names of at most 127 characters
+ * BitmapList  file names, each followed by '|' (what follows the last '|' is no name); at most 32
+ *             names of at most 127 characters
  * ImageMode   not used
  *
- *  0  sent
- * -1  the port is not open, too many or too long names (nothing sent), or a file cannot be used
- *     (the images before it are sent)
+ *  0  sent, or the link failed
+ * -1  the port is not open, BitmapList is NULL, too many or too long names (nothing sent), or a
+ *     file cannot be used (the images before it are sent, and the printer waits for the rest)
  * -2  the printer is in an error state: nothing sent
  */
 TZV_API long SaveNVBitmap(const char* portName, const char* BitmapList, long ImageMode);
 
-/* Prints a stored image (justification, FS p).
+/* Prints a stored image in normal size: ESC a, FS p n 0; two writes.
  *
  * NVImageNumber  from 1, in the order of the list that stored it; the low 8 bits count
  * Alignment      TZV_ALIGN_...; any other value centres
  *
  *  0  handed on
  * -1  the port is not open
- * -2  the printer is in an error state; the command is handed on all the same
+ * -2  the printer is in an error state; within a transaction the commands are collected anyway
  */
 TZV_API long PrintNVBitmap(const char* portName, long NVImageNumber, long Alignment);
 
-/* Places a stored image on the page (GS } X, GS } Y, FS p, LF).
+/* Places a stored image on the page: GS } X, GS } Y, FS p n 0, LF; four writes.
  *
- * PosX, PosY  position in dots, 0 to 65535
+ * NVImageNumber  as PrintNVBitmap
+ * PosX, PosY     position in dots, 0 to 65535
  *
  * Results as PrintNVBitmap.
  */
 TZV_API long PrintNVBitmapXY(const char* portName, long NVImageNumber, long PosX, long PosY);
 
-/* Erases all stored images (FS e).
+/* Erases all stored images (FS e). Sent at once, even within a transaction.
  *
- *  0  sent
+ *  0  sent, or the link failed
  * -1  the port is not open
  * -2  the printer is in an error state: nothing sent
  */

@@ -10,6 +10,8 @@
 #include "dispatch/port_impl.h"
 #include "dispatch/port_operations.h"
 #include "dispatch/transport.h"
+#include "image/print_bitmap.h"
+#include "image/stored_images.h"
 #include "status/claim.h"
 #include "status/queries.h"
 #include "status/transaction.h"

@@ -22,7 +22,7 @@ struct BmpRaster {
   /// The data alone.
   std::string_view data() const { return {chars() + startDataLen, count()}; }
   /// The reserved bytes and the data.
-  std::string_view command() const { return {chars(), startDataLen + count()}; }
+  std::string_view with_start() const { return {chars(), startDataLen + count()}; }
 
  private:
   const char* chars() const {

@@ -74,7 +74,7 @@ TEST(BmpRaster, has_four_zero_bytes_in_front) {
   const Loaded loaded =
       load(Bmp{.palette = std::string(kWhiteFirst), .pixels = hex("80 00 00 00")});
   ASSERT_TRUE(loaded.raster.has_value());
-  EXPECT_THAT(loaded.raster->command(), BytesAre(hex("00 00 00 00 80 00 00 00 00 00 00 00")));
+  EXPECT_THAT(loaded.raster->with_start(), BytesAre(hex("00 00 00 00 80 00 00 00 00 00 00 00")));
 }
 
 TEST(BmpRaster, dots_beyond_the_right_and_lower_edges_are_white) {
