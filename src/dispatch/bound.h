@@ -1,6 +1,7 @@
 // Makes a transport's table: each slot is a plain function that runs a feature on the transport.
 #pragma once
 
+#include "barcode/print_2d_barcode.h"
 #include "barcode/print_barcode.h"
 #include "device/drawer.h"
 #include "device/firmware.h"
@@ -18,15 +19,10 @@
 #include "text/page_mode.h"
 #include "text/print_text.h"
 
-/// Stands in operations.def for a feature that a slot does not have.
-inline constexpr std::nullptr_t unbuilt = nullptr;
-
 /// `Bound<transport, feature>::slot` is the feature as a function of the port name and the
-/// operation's own arguments; null for `unbuilt`.
+/// operation's own arguments.
 template <const Transport& transport, auto feature>
-struct Bound {
-  static constexpr std::nullptr_t slot = nullptr;
-};
+struct Bound;
 
 template <const Transport& transport, typename Result, typename... Arguments,
           Result (*feature)(const Transport&, Arguments...)>
