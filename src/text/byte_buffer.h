@@ -25,7 +25,7 @@ class ByteBuffer {
   char* extend(std::size_t count);
   bool grow(std::size_t needed);
 
-  static constexpr std::size_t kRoomInside = 4096;
+  static constexpr std::size_t kRoomInside = 16384;
 
   std::size_t limit_;
   std::size_t size_ = 0;

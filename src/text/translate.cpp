@@ -68,36 +68,50 @@ const LineFormat& format_for(int32_t line_chars) {
   return kUnknownFormat;
 }
 
-/// The characters up to the next line end or sequence; at least the first byte. An ESC that starts
-/// no sequence is a character like any other.
-std::string_view leading_ordinary(std::string_view text) {
-  std::size_t length = 1;
-  for (; length < text.size(); ++length) {
-    const char c = text[length];
-    if (c == kLineFeed || c == kCarriageReturn) break;
-    if (c == kEsc && begins_with(rest_of(text, length), kEscapeStart)) break;
+/// Finds the next byte of a kind; each byte of the text is looked at once, however often the next
+/// one is asked for.
+class NextByte {
+ public:
+  NextByte(std::string_view text, char byte) : text_(text), byte_(byte), at_(find(0)) {}
+
+  /// Where it stands from an index on, which never goes back; the text's length when there is none.
+  std::size_t from(std::size_t index) {
+    if (at_ < index) at_ = find(index);
+    return at_;
   }
-  return first_of(text, length);
-}
+
+ private:
+  std::size_t find(std::size_t index) const {
+    return std::min(text_.find(byte_, index), text_.size());
+  }
+
+  std::string_view text_;
+  char byte_;
+  std::size_t at_;
+};
 
 enum class Underline { off, single, twofold };
 
 class Translator {
  public:
-  Translator(const TextSettings& settings, LineColumns& columns, ByteBuffer& output)
-      : settings_(settings),
+  Translator(std::string_view text, const TextSettings& settings, LineColumns& columns,
+             ByteBuffer& output)
+      : text_(text),
+        settings_(settings),
         format_(format_for(settings.line_chars)),
         columns_(columns),
         output_(output),
         print_mode_(format_.print_mode) {}
 
-  void run(std::string_view text);
+  void run();
 
  private:
   void prologue();
-  void end_line(char byte);
-  void ordinary(std::string_view run);
-  std::size_t sequence(std::string_view text, std::size_t start);
+  std::size_t next_sequence(std::size_t index);
+  void plain(std::size_t start, std::size_t end);
+  void end_line();
+  void ordinary(std::size_t count);
+  std::size_t sequence(std::size_t start);
 
   // Each executes one command letter; false: not recognised.
   bool execute(const EscapeSequence& sequence);
@@ -120,6 +134,10 @@ class Translator {
   void send_underline();
   void send_line_spacing(int32_t spacing);
 
+  const std::string_view text_;
+  NextByte next_escape_{text_, kEsc};
+  NextByte next_feed_{text_, kLineFeed};
+  NextByte next_return_{text_, kCarriageReturn};
   const TextSettings& settings_;
   const LineFormat& format_;
   LineColumns& columns_;
@@ -133,23 +151,24 @@ class Translator {
   int32_t extra_columns_ = 0;  // columns that a character takes beyond its one
 };
 
-void Translator::run(std::string_view text) {
+void Translator::run() {
   prologue();
-  std::size_t index = 0;
-  while (index < text.size() && output_.ok()) {
-    const std::string_view rest = rest_of(text, index);
-    if (begins_with(rest, kEscapeStart)) {
-      index = sequence(text, index);
-    } else if (rest[0] == kCarriageReturn || rest[0] == kLineFeed) {
-      end_line(rest[0]);
-      ++index;
-    } else {
-      const std::string_view run = leading_ordinary(rest);
-      ordinary(run);
-      index += run.size();
-    }
+  std::size_t start = 0;
+  while (output_.ok()) {
+    const std::size_t escape = next_sequence(start);
+    plain(start, escape);
+    if (escape == text_.size()) break;
+    start = sequence(escape);
   }
   if (columns_.line_is_open == 1) columns_.current = line_columns_;
+}
+
+/// Where the next sequence starts. An ESC that starts none is a character like any other.
+std::size_t Translator::next_sequence(std::size_t index) {
+  for (;; ++index) {
+    index = next_escape_.from(index);
+    if (index == text_.size() || begins_with(rest_of(text_, index), kEscapeStart)) return index;
+  }
 }
 
 void Translator::prologue() {
@@ -164,28 +183,36 @@ void Translator::prologue() {
   }
 }
 
-void Translator::end_line(char byte) {
+/// Text without sequences goes out as it stands; its lines are only counted.
+void Translator::plain(std::size_t start, std::size_t end) {
+  output_.append(first_of(rest_of(text_, start), end - start));
+  while (start < end) {
+    const std::size_t line_end = std::min({next_feed_.from(start), next_return_.from(start), end});
+    if (line_end > start) ordinary(line_end - start);
+    if (line_end < end) end_line();
+    start = line_end + 1;
+  }
+}
+
+void Translator::end_line() {
   at_line_start_ = true;
   columns_.widest = std::max(columns_.widest, line_columns_);
   columns_.current = 0;
   columns_.line_is_open = 0;
   line_columns_ = 0;
   extra_columns_ = 0;
-  output_.append(byte);
 }
 
-void Translator::ordinary(std::string_view run) {
+void Translator::ordinary(std::size_t count) {
   at_line_start_ = false;
-  const auto columns =
-      static_cast<uint32_t>(run.size()) * static_cast<uint32_t>(extra_columns_ + 1);
+  const auto columns = static_cast<uint32_t>(count) * static_cast<uint32_t>(extra_columns_ + 1);
   line_columns_ = add_wrapping(line_columns_, static_cast<int32_t>(columns));
-  output_.append(run);
 }
 
 /// Executes the sequence at `start` and returns where the text goes on. What is not recognised is
 /// passed through: ESC '|' as it stands, and the rest as text.
-std::size_t Translator::sequence(std::string_view text, std::size_t start) {
-  const EscapeSequence parsed = parse_escape(text, start);
+std::size_t Translator::sequence(std::size_t start) {
+  const EscapeSequence parsed = parse_escape(text_, start);
   if (execute(parsed)) return parsed.end;
   output_.append(kEscapeStart);
   return start + kEscapeStart.size();
@@ -400,5 +427,5 @@ void Translator::send_line_spacing(int32_t spacing) {
 
 void translate(std::string_view text, const TextSettings& settings, LineColumns& columns,
                ByteBuffer& output) {
-  Translator(settings, columns, output).run(text);
+  Translator(text, settings, columns, output).run();
 }
