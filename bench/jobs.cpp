@@ -68,3 +68,9 @@ BENCHMARK(linear)->Name("linear_symbol");
 BENCHMARK(qr_code)->Name("qr_code");
 
 }  // namespace
+
+int main(int argc, char** argv) {
+  if (OpenPort(kSilentPort, kSilentSettings) != 0) return 1;
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+}

@@ -91,3 +91,9 @@ BENCHMARK(text_floor)->Name("floor/megabyte")->Arg(1);
 BENCHMARK(print)->Name("megabyte")->Arg(1);
 
 }  // namespace
+
+int main(int argc, char** argv) {
+  if (OpenPort(kSilentPort, kSilentSettings) != 0) return 1;
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+}

@@ -109,6 +109,9 @@ class Translator {
   void prologue();
   std::size_t next_sequence(std::size_t index);
   void plain(std::size_t start, std::size_t end);
+  std::size_t next_line_end(std::size_t index) {
+    return std::min(next_feed_.from(index), next_return_.from(index));
+  }
   void end_line();
   void ordinary(std::size_t count);
   std::size_t sequence(std::size_t start);
@@ -186,12 +189,14 @@ void Translator::prologue() {
 /// Text without sequences goes out as it stands; its lines are only counted.
 void Translator::plain(std::size_t start, std::size_t end) {
   output_.append(first_of(rest_of(text_, start), end - start));
-  while (start < end) {
-    const std::size_t line_end = std::min({next_feed_.from(start), next_return_.from(start), end});
-    if (line_end > start) ordinary(line_end - start);
-    if (line_end < end) end_line();
+  std::size_t line_end = next_line_end(start);
+  while (line_end < end) {
+    ordinary(line_end - start);
+    end_line();
     start = line_end + 1;
+    line_end = next_line_end(start);
   }
+  if (start < end) ordinary(end - start);
 }
 
 void Translator::end_line() {
