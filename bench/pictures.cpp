@@ -87,26 +87,11 @@ void load_picture(benchmark::State& state) {
   if (loaded.floor_seconds > 0) state.counters["of_floor"] = loaded.floor_seconds / seconds;
 }
 
-PackRow& packer(const BitKernels& kernels, std::int64_t bits) {
-  switch (bits) {
-    case 4:
-      return kernels.pack4;
-    case 8:
-      return kernels.pack8;
-    case 16:
-      return kernels.pack16;
-    case 24:
-      return kernels.pack24;
-    default:
-      return kernels.pack32;
-  }
-}
-
 void pack_row(benchmark::State& state, const BitKernels* kernels) {
   if (kernels == nullptr) return state.SkipWithError("the processor has none of them");
   const std::vector<std::uint8_t> pixels(kLarge * 4, 0x80);
   std::vector<std::uint8_t> bits(kLarge / 8);
-  PackRow& pack = packer(*kernels, state.range(0));
+  PackRow* pack = kernels->packer(static_cast<int>(state.range(0)));
   for ([[maybe_unused]] auto iteration : state) {
     pack(pixels.data(), kLarge, bits.data());
     benchmark::ClobberMemory();

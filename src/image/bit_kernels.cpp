@@ -81,6 +81,23 @@ void transpose_part(const BitRows& rows, std::size_t byte, std::size_t end_byte,
 
 const BitKernels kPlainKernels{pack4, pack8, pack16, pack_rgb<3>, pack_rgb<4>, transpose};
 
+PackRow* BitKernels::packer(int bits) const {
+  switch (bits) {
+    case 4:
+      return pack4;
+    case 8:
+      return pack8;
+    case 16:
+      return pack16;
+    case 24:
+      return pack24;
+    case 32:
+      return pack32;
+    default:
+      return nullptr;
+  }
+}
+
 const BitKernels& bit_kernels() {
   const BitKernels* vector = vector_kernels();
   return vector != nullptr ? *vector : kPlainKernels;

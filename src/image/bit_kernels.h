@@ -39,6 +39,9 @@ struct BitKernels {
   PackRow& pack24;
   PackRow& pack32;
   Transpose& transpose;
+
+  /// The one for that many bits per pixel; null for one bit, which needs no packing.
+  PackRow* packer(int bits) const;
 };
 
 extern const BitKernels kPlainKernels;

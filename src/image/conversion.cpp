@@ -4,25 +4,6 @@
 
 namespace {
 
-/// Null for one bit per pixel, which needs no packing.
-PackRow* packer_for(std::int32_t bits) {
-  const BitKernels& kernels = bit_kernels();
-  switch (bits) {
-    case 4:
-      return kernels.pack4;
-    case 8:
-      return kernels.pack8;
-    case 16:
-      return kernels.pack16;
-    case 24:
-      return kernels.pack24;
-    case 32:
-      return kernels.pack32;
-    default:
-      return nullptr;
-  }
-}
-
 /// A bit prints black when it is set, unless it stands for a first colour that is black.
 void copy_bits(const std::uint8_t* pixels, std::size_t size, bool reverse, std::uint8_t* rows) {
   const std::uint8_t flipped = reverse ? 0xff : 0;
@@ -35,7 +16,7 @@ BitRows to_one_bit(const Geometry& geometry, const RGBQUAD& first_colour,
                    const std::uint8_t* pixels, std::uint8_t* buffer) {
   const auto count = static_cast<std::size_t>(geometry.rows());
   const auto stride = static_cast<std::size_t>(geometry.iRowBytes);
-  PackRow* pack = packer_for(geometry.cBits);
+  PackRow* pack = bit_kernels().packer(geometry.cBits);
   if (pack == nullptr) {
     const bool reverse = (first_colour.rgbBlue | first_colour.rgbGreen | first_colour.rgbRed) == 0;
     copy_bits(pixels, stride * count, reverse, buffer);

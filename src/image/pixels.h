@@ -14,9 +14,10 @@ constexpr bool is_black_low_nibble(std::uint8_t pair) {
   return (pair & 0x0f) <= 7;
 }
 
-/// A 16-bit pixel: blue, green and red from the lowest bit on, the green with six bits of which the
-/// lower three come from the second byte as if that were signed, and the red with a weight of
-/// 0.229, not 0.299. Each product is cut off by itself. Logos print like that, and must go on to.
+/// A 16-bit pixel: blue in the upper five bits of the first byte, red in the lower five of the
+/// second, and green between them; the green's lower bits come from the second byte as if that were
+/// signed, and the red weighs 0.229, not 0.299. Each product is cut off by itself. Logos print like
+/// that, and must go on to.
 constexpr bool is_black_16(std::uint8_t first, std::uint8_t second) {
   const int blue = first >> 3;
   const int low_green = second >> 5;

@@ -31,22 +31,20 @@ Row packed(PackRow& pack, const Row& pixels, std::size_t width) {
 struct Packer {
   const char* name;
   int bits;
-  PackRow& (*of)(const BitKernels&);
   bool (*is_black)(const Row&, std::size_t x);
 };
 
 const Packer kPackers[] = {
-    {"of_4_bits", 4, [](const BitKernels& k) -> PackRow& { return k.pack4; },
+    {"of_4_bits", 4,
      [](const Row& row, std::size_t x) { return x % 2 == 0 || is_black_low_nibble(row[x / 2]); }},
-    {"of_8_bits", 8, [](const BitKernels& k) -> PackRow& { return k.pack8; },
-     [](const Row& row, std::size_t x) { return is_black_grey(row[x]); }},
-    {"of_16_bits", 16, [](const BitKernels& k) -> PackRow& { return k.pack16; },
+    {"of_8_bits", 8, [](const Row& row, std::size_t x) { return is_black_grey(row[x]); }},
+    {"of_16_bits", 16,
      [](const Row& row, std::size_t x) { return is_black_16(row[2 * x], row[2 * x + 1]); }},
-    {"of_24_bits", 24, [](const BitKernels& k) -> PackRow& { return k.pack24; },
+    {"of_24_bits", 24,
      [](const Row& row, std::size_t x) {
        return is_black_rgb(row[3 * x], row[3 * x + 1], row[3 * x + 2]);
      }},
-    {"of_32_bits", 32, [](const BitKernels& k) -> PackRow& { return k.pack32; },
+    {"of_32_bits", 32,
      [](const Row& row, std::size_t x) {
        return is_black_rgb(row[4 * x], row[4 * x + 1], row[4 * x + 2]);
      }},
@@ -72,7 +70,7 @@ TEST_P(Packing, leftmost_pixel_is_the_most_significant_bit) {
         expected[x / 8] = static_cast<std::uint8_t>(expected[x / 8] | 0x80U >> (x % 8));
       }
     }
-    EXPECT_EQ(packed(GetParam().of(kPlainKernels), pixels, width), expected) << width;
+    EXPECT_EQ(packed(*kPlainKernels.packer(GetParam().bits), pixels, width), expected) << width;
   }
 }
 
@@ -81,8 +79,8 @@ TEST_P(Packing, with_vector_instructions_is_the_same) {
   for (std::size_t width = 0; width <= 200; ++width) {
     for (int i = 0; i < 20; ++i) {
       const Row pixels = random_pixels(width);
-      ASSERT_EQ(packed(GetParam().of(*vector_kernels()), pixels, width),
-                packed(GetParam().of(kPlainKernels), pixels, width))
+      ASSERT_EQ(packed(*vector_kernels()->packer(GetParam().bits), pixels, width),
+                packed(*kPlainKernels.packer(GetParam().bits), pixels, width))
           << width;
     }
   }
