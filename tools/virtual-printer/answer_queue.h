@@ -5,24 +5,20 @@
 #include <chrono>
 #include <deque>
 #include <optional>
+#include <random>
 #include <string>
 #include <string_view>
+
+#include "line_faults.h"
 
 namespace virtual_printer {
 
 using Clock = std::chrono::steady_clock;
 
-// How answers are spoiled on purpose.
-struct AnswerFaults {
-  std::chrono::milliseconds delay{0};
-  bool split = false;     // each byte by itself
-  bool twice = false;     // each answer two times
-  bool withheld = false;  // none at all
-};
-
 class AnswerQueue {
  public:
-  explicit AnswerQueue(const AnswerFaults& faults) : faults_(faults) {}
+  // The faults may change meanwhile; an answer meets those of the time at which it is pushed.
+  explicit AnswerQueue(const LineFaults& faults) : faults_(faults) {}
 
   void push(std::string_view answer, Clock::time_point now);
 
@@ -31,19 +27,24 @@ class AnswerQueue {
 
   std::optional<Clock::time_point> next_due() const;
 
-  void clear() { pieces_.clear(); }
+  void clear();
 
  private:
   struct Piece {
     std::string bytes;
     Clock::time_point due;
+    bool takes_more;  // what is pushed until then goes with it
   };
 
-  void add(std::string_view bytes, Clock::time_point due);
+  void push_one(std::string_view answer, Clock::time_point now);
+  std::string garbled(std::string_view answer);
+  void add(std::string_view bytes, Clock::time_point due, bool takes_more = false);
 
-  AnswerFaults faults_;
+  const LineFaults& faults_;
   std::deque<Piece> pieces_;
   Clock::time_point last_due_{};
+  int seed_ = 0;
+  std::minstd_rand random_;
 };
 
 }  // namespace virtual_printer

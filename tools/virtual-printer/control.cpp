@@ -2,17 +2,18 @@
 
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
+
+#include "runtime_folder.h"
+#include "unix_address.h"
 
 namespace virtual_printer {
 namespace {
@@ -24,23 +25,6 @@ constexpr char kNotDone = '-';
 constexpr std::size_t kLongestMessage = 1024;
 constexpr int kMostCallers = 8;
 
-sockaddr_un address_of(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (path.size() >= sizeof address.sun_path) {
-    throw std::runtime_error("the name of the control socket is too long: " + path);
-  }
-  path.copy(address.sun_path, path.size());
-  return address;
-}
-
-template <typename Call>
-int with_address(const Call& call, int socket, const std::string& path) {
-  const sockaddr_un address = address_of(path);
-  // The way in which every socket address goes through this interface.
-  return call(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-}
-
 // A message is received whole or not at all.
 Descriptor make_socket(int flags) {
   return Descriptor(check(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0),
@@ -49,13 +33,13 @@ Descriptor make_socket(int flags) {
 
 bool is_served(const std::string& path) {
   const Descriptor caller = make_socket(SOCK_NONBLOCK);
-  return with_address(connect, caller.number(), path) == 0 || errno == EAGAIN;
+  return with_unix_address(connect, caller.number(), path) == 0 || errno == EAGAIN;
 }
 
 // For the user alone, from the first moment on.
 int bind_privately(int socket, const std::string& path) {
   const mode_t mask = umask(0177);
-  const int result = with_address(bind, socket, path);
+  const int result = with_unix_address(bind, socket, path);
   const int error = errno;
   umask(mask);
   errno = error;
@@ -79,12 +63,10 @@ bool send_message(int socket, std::string_view message) {
 
 }  // namespace
 
-std::string control_path(const std::string& port) {
-  const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-  std::string name = port;
-  std::replace(name.begin(), name.end(), '/', '-');
-  if (folder != nullptr && *folder != '\0') return std::string(folder) + "/virtual-printer" + name;
-  return "/tmp/virtual-printer-" + std::to_string(geteuid()) + name;
+std::string control_path(const std::string& printer) {
+  std::string end = printer.starts_with('/') ? printer : "-" + printer;
+  std::replace(end.begin(), end.end(), '/', '-');
+  return runtime_path(end);
 }
 
 ControlSocket::ControlSocket(std::string path)
@@ -131,16 +113,16 @@ void ControlSocket::accept_callers() {
   }
 }
 
-ControlReply ask_printer(const std::string& port, const std::string& request) {
+ControlReply ask_printer(const std::string& printer, const std::string& request) {
   const Descriptor caller = make_socket(0);
-  if (with_address(connect, caller.number(), control_path(port)) < 0) {
-    throw std::runtime_error("no virtual printer of yours serves " + port);
+  if (with_unix_address(connect, caller.number(), control_path(printer)) < 0) {
+    throw std::runtime_error("no virtual printer of yours serves " + printer);
   }
   if (!send_message(caller.number(), request)) {
-    throw std::runtime_error("the printer at " + port + " takes no requests");
+    throw std::runtime_error("the printer at " + printer + " takes no requests");
   }
   const std::string reply = receive_message(caller.number()).value_or("");
-  if (reply.empty()) throw std::runtime_error("the printer at " + port + " ended meanwhile");
+  if (reply.empty()) throw std::runtime_error("the printer at " + printer + " ended meanwhile");
   return {reply.front() == kDone, reply.substr(1)};
 }
 

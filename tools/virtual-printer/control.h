@@ -1,6 +1,5 @@
 // Talking to a running printer from another command line: one request, one answer, over a Unix
-// socket that only its user may use. The socket lies outside /dev, so that it is the same inside
-// and outside a printer's private one.
+// socket that only its user may use.
 #pragma once
 
 #include <functional>
@@ -18,8 +17,8 @@ struct ControlReply {
   bool operator==(const ControlReply&) const = default;
 };
 
-// Where the printer of a port listens: in $XDG_RUNTIME_DIR, or else in /tmp.
-std::string control_path(const std::string& port);
+// Where a printer listens for requests, by its link's name.
+std::string control_path(const std::string& printer);
 
 // A printer's end.
 class ControlSocket {
@@ -47,6 +46,6 @@ class ControlSocket {
 
 // The other end: asks and waits for the answer. Throws std::runtime_error when there is no such
 // printer or it ends before it answers.
-ControlReply ask_printer(const std::string& port, const std::string& request);
+ControlReply ask_printer(const std::string& printer, const std::string& request);
 
 }  // namespace virtual_printer

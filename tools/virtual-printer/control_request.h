@@ -4,8 +4,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "conditions.h"
+#include "line_faults.h"
 
 namespace virtual_printer {
 
@@ -16,13 +18,23 @@ struct ConditionChange {
   bool operator==(const ConditionChange&) const = default;
 };
 
-struct ControlRequest {
-  std::optional<ConditionChange> change;  // nothing: the status is asked for
+struct SettingChange {
+  const LineSetting* setting = nullptr;
+  int value = 0;
 
-  bool operator==(const ControlRequest&) const = default;
+  bool operator==(const SettingChange&) const = default;
 };
 
-std::string text_of(const ControlRequest& request);
+struct StatusQuery {
+  bool operator==(const StatusQuery&) const = default;
+};
+
+using ControlRequest = std::variant<StatusQuery, ConditionChange, SettingChange>;
+
+// "status", or "set NAME VALUE".
 std::optional<ControlRequest> parse_control_request(std::string_view text);
+
+// All that NAME may be, for people.
+std::string names_that_can_be_set();
 
 }  // namespace virtual_printer

@@ -1,4 +1,4 @@
-// A thermal receipt printer that is not there: a terminal device to print to, pictures to look at.
+// A thermal receipt printer that is not there: a line to print to, pictures to look at.
 
 #include <csignal>
 #include <cstdio>
@@ -10,11 +10,12 @@
 #include <variant>
 
 #include "control.h"
+#include "device_link.h"
 #include "options.h"
-#include "port_link.h"
-#include "private_dev.h"
 #include "service.h"
 #include "signal_queue.h"
+#include "tcp_link.h"
+#include "terminal_link.h"
 
 namespace virtual_printer {
 namespace {
@@ -29,38 +30,56 @@ bool is_refusal(const std::error_code& code) {
          code == std::errc::operation_not_permitted;
 }
 
-std::unique_ptr<PortName> name_in_private_dev(const Options& options, const std::string& device,
-                                              const std::system_error& refusal) {
-  const std::string first = std::string(refusal.what());
-  if (options.command.empty()) {
-    throw std::runtime_error(first + "\nRun it as root, or give it the command to run: " +
-                             "virtual-printer -- COMMAND ARGS...");
-  }
+std::unique_ptr<Link> make_terminal(const std::string& port) {
   try {
-    enter_private_dev();
-    return std::make_unique<PortName>(options.port, device);
-  } catch (const std::system_error& second) {
-    throw std::runtime_error(first + "\n" + second.what() +
-                             "\nRun it as root, or let users make namespaces of their own " +
-                             "(sysctl user.max_user_namespaces above 0, and where they exist " +
-                             "kernel.unprivileged_userns_clone=1 and " +
-                             "kernel.apparmor_restrict_unprivileged_userns=0)");
+    return std::make_unique<TerminalLink>(port);
+  } catch (const std::system_error& refusal) {
+    if (!is_refusal(refusal.code())) throw;
+    throw std::runtime_error(std::string(refusal.what()) +
+                             "\nRun it as root; or give it the command to run, " +
+                             "virtual-printer -- COMMAND ARGS...; or let it say what environment " +
+                             "a program needs, virtual-printer --environment");
   }
 }
 
-std::unique_ptr<PortName> name_port(const Options& options, const std::string& device) {
-  try {
-    return std::make_unique<PortName>(options.port, device);
-  } catch (const std::system_error& refusal) {
-    if (!is_refusal(refusal.code())) throw;
-    return name_in_private_dev(options, device, refusal);
+// A command has its device played, because no name in /dev is needed for that. Without one, only a
+// terminal can be found by any program, and only a serial port is one.
+std::unique_ptr<Link> make_link(const Options& options) {
+  if (options.listen) return std::make_unique<TcpLink>(*options.listen);
+  const bool serial = tzvio_devices::kind_of(options.port) == tzvio_devices::DeviceKind::kSerial;
+  const bool played = !serial || options.environment || !options.command.empty();
+  if (played && !options.terminal) return std::make_unique<DeviceLink>(options.port);
+  return make_terminal(options.port);
+}
+
+// In single quotes, because the loader is to see $LIB and the shell is not.
+void tell_environment(const Environment& environment) {
+  if (environment.empty()) return;
+  std::printf("env");
+  for (const auto& [name, value] : environment) {
+    std::printf(" %s='%s'", name.c_str(), value.c_str());
   }
+  std::printf("\n");
+}
+
+void tell_ready(const Options& options, const Link& link) {
+  const std::string settings = options.listen ? " " + link.settings() : "";
+  std::printf("ready %s%s\n", link.port().c_str(), settings.c_str());
+  std::fflush(stdout);
+}
+
+// With which the command finds its printer, whatever the line.
+Environment environment_of_command(const Link& link) {
+  Environment environment = link.environment();
+  environment.emplace_back("VIRTUAL_PRINTER_PORT", link.port());
+  environment.emplace_back("VIRTUAL_PRINTER_SETTINGS", link.settings());
+  return environment;
 }
 
 // A printer whose conditions nobody can change still prints.
-std::unique_ptr<ControlSocket> open_control(const std::string& port) {
+std::unique_ptr<ControlSocket> open_control(const std::string& printer) {
   try {
-    return std::make_unique<ControlSocket>(control_path(port));
+    return std::make_unique<ControlSocket>(control_path(printer));
   } catch (const std::runtime_error& error) {
     std::fprintf(stderr, "virtual-printer: set and status will not work: %s\n", error.what());
     return nullptr;
@@ -70,24 +89,24 @@ std::unique_ptr<ControlSocket> open_control(const std::string& port) {
 int serve(const Options& options) {
   SignalQueue signals({SIGINT, SIGTERM, SIGHUP, SIGCHLD});
   std::signal(SIGPIPE, SIG_IGN);  // a reader of our lines that goes away must not end the printer
-  PortLink link;
-  const auto name = name_port(options, link.device());
-  const auto control = open_control(options.port);
-  Service service(link, signals, control.get(), options.service);
-  std::printf("ready %s\n", options.port.c_str());
-  std::fflush(stdout);
+  const auto link = make_link(options);
+  const auto control = open_control(link->name());
+  Service service(*link, signals, control.get(), options.service);
+  if (options.command.empty()) tell_environment(link->environment());
+  tell_ready(options, *link);
   int status = 0;
   if (options.command.empty()) {
     service.run();
   } else {
-    status = service.run(options.command);
+    status = service.run(options.command, environment_of_command(*link));
   }
   return options.strict && service.met_unknown_bytes() ? kUnknownBytesMet : status;
 }
 
 int request(const Options& options) {
   try {
-    const ControlReply reply = ask_printer(options.port, text_of(*options.request));
+    const std::string printer = options.listen ? name_of(*options.listen) : options.port;
+    const ControlReply reply = ask_printer(printer, options.request);
     std::fputs(reply.text.c_str(), stdout);
     return reply.done ? 0 : kRequestFailed;
   } catch (const std::runtime_error& error) {
@@ -100,7 +119,7 @@ int run_command_line(int argc, char** argv) {
   const auto parsed = parse_command_line(argc, argv);
   if (const int* status = std::get_if<int>(&parsed)) return *status;
   const auto& options = std::get<Options>(parsed);
-  return options.request ? request(options) : serve(options);
+  return !options.request.empty() ? request(options) : serve(options);
 }
 
 }  // namespace

@@ -3,21 +3,31 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <string_view>
+
+#include "device_page.h"
 
 namespace virtual_printer {
 namespace {
 
 constexpr int kBadUsage = 2;
 
-constexpr std::string_view kPortPrefix = "/dev/ttyS";
 constexpr std::string_view kCommandMark = "--";
 
+// Of what begins the name, the device's number or word has to follow.
 std::string check_port_name(const std::string& name) {
-  const bool good = name.starts_with(kPortPrefix) && name.size() > kPortPrefix.size() &&
-                    name.find('/', kPortPrefix.size()) == std::string::npos;
-  return good ? "" : "the name must begin with /dev/ttyS and go on without a slash";
+  const auto kind = tzvio_devices::kind_of(name);
+  const bool good = kind != tzvio_devices::DeviceKind::kNone &&
+                    tzvio_devices::kind_of(name.substr(0, name.size() - 1)) == kind &&
+                    name.find('/', name.find_first_of("pS")) == std::string::npos &&
+                    name.find_first_of(":= ") == std::string::npos;
+  return good ? ""
+              : "the name must begin with /dev/ttyS, /dev/usb/lp, /dev/usblp, /dev/parport or "
+                "/dev/lp and go on without a slash, a colon, an equals sign or a blank";
+}
+
+std::string check_tcp_address(const std::string& text) {
+  return parse_tcp_address(text) ? "" : "the address must be [ADDRESS:]PORT, ADDRESS as 127.0.0.1";
 }
 
 std::string condition_names() {
@@ -28,75 +38,93 @@ std::string condition_names() {
   return names;
 }
 
-std::string check_condition(const std::string& name) {
-  return condition_named(name) ? "" : "the condition must be one of " + condition_names();
-}
-
 std::string check_fault(const std::string& text) {
   return parse_scripted_fault(text)
              ? ""
-             : "the fault must be CONDITION@LINE, CONDITION one of " + condition_names();
+             : "the fault must be CONDITION@LINE or CONDITION@BYTEB, CONDITION one of " +
+                   condition_names();
 }
 
-CLI::Option* add_milliseconds(CLI::App& app, const std::string& name, const std::string& text,
-                              const std::function<void(std::chrono::milliseconds)>& use) {
-  constexpr int kHourMs = 3600 * 1000;
-  return app
-      .add_option_function<int>(
-          name, [use](const int& number) { use(std::chrono::milliseconds(number)); }, text)
-      ->option_text("MS")
-      ->check(CLI::Range(0, kHourMs));
+void describe_line(CLI::App& app, Options& options) {
+  auto* const port = app.add_option("--port", options.port, "Name of the device to print to")
+                         ->check(CLI::Validator(check_port_name, "/dev/..."))
+                         ->capture_default_str();
+  auto* const terminal =
+      app.add_flag("--terminal", options.terminal,
+                   "Makes a serial port's name lead to a pseudo-terminal, for a command too");
+  auto* const environment =
+      app.add_flag("--environment", options.environment,
+                   "Plays the device without a command, and says what environment a program needs");
+  terminal->excludes(environment);
+  app.add_option_function<std::string>(
+         "--listen",
+         [&options](const std::string& text) { options.listen = parse_tcp_address(text); },
+         "Prints what comes over TCP; on 127.0.0.1 unless given; port 0: any that is free")
+      ->option_text("[ADDRESS:]PORT")
+      ->check(CLI::Validator(check_tcp_address, ""))
+      ->excludes(port)
+      ->excludes(terminal)
+      ->excludes(environment);
 }
 
-void describe_port_and_paper(CLI::App& app, Options& options) {
-  app.add_option("--port", options.port, "Name of the port to print to")
-      ->check(CLI::Validator(check_port_name, "/dev/ttyS..."))
-      ->capture_default_str();
+void describe_files(CLI::App& app, Options& options) {
   app.add_option("--output", options.service.output_folder, "Folder for the receipts")
       ->option_text("DIR")
       ->capture_default_str();
   app.add_option("--memory", options.service.memory_file, "File that keeps the serial number")
       ->option_text("FILE");
+  app.add_option("--record", options.service.record_file, "File for all bytes that arrive")
+      ->option_text("FILE");
   app.add_flag("--strict", options.strict,
                "Exit status 3 if unknown bytes or frames that were refused came");
 }
 
-void describe_faults(CLI::App& app, Options& options) {
-  ServiceOptions& service = options.service;
+void describe_conditions(CLI::App& app, ServiceOptions& service) {
+  constexpr int kHourMs = 3600 * 1000;
   auto* const fault =
       app.add_option_function<std::string>(
              "--fault",
              [&service](const std::string& text) { service.fault = parse_scripted_fault(text); },
-             "A condition that sets in, once, when so many lines are printed; 0: at once")
+             "A condition that sets in, once, when so many lines are printed or, with a B, bytes "
+             "received; 0: at once")
           ->option_text("CONDITION@LINE")
           ->check(CLI::Validator(check_fault, ""));
-  add_milliseconds(app, "--recover-after", "That condition ends so long after it has set in",
-                   [&service](std::chrono::milliseconds time) { service.recovery = time; })
+  app.add_option_function<int>(
+         "--recover-after",
+         [&service](int number) { service.recovery = std::chrono::milliseconds(number); },
+         "That condition ends so long after it has set in")
+      ->option_text("MS")
+      ->check(CLI::Range(0, kHourMs))
       ->needs(fault);
-  AnswerFaults& answers = service.answer_faults;
-  add_milliseconds(app, "--answer-delay", "Answers come so much later",
-                   [&answers](std::chrono::milliseconds time) { answers.delay = time; });
-  app.add_flag("--answer-split", answers.split, "Answers come byte by byte, 5 ms apart");
-  app.add_flag("--answer-double", answers.twice, "Answers come twice");
-  app.add_flag("--mute", answers.withheld, "Answers do not come");
+}
+
+void describe_line_settings(CLI::App& app, LineFaults& faults) {
+  for (const LineSetting& setting : kLineSettings) {
+    const std::string name = "--" + std::string(setting.name);
+    const std::string help(setting.help);
+    int& value = faults.*setting.value;
+    if (setting.is_switch()) {
+      app.add_flag(name, value, help);
+    } else {
+      app.add_option(name, value, help)
+          ->option_text(std::string(setting.unit))
+          ->check(CLI::Range(0, setting.most));
+    }
+  }
 }
 
 // What the words after `set` are, until they are all there.
 struct SetWords {
-  std::string condition;
-  std::string state;
+  std::string name;
+  std::string value;
 };
 
 void describe_requests(CLI::App& app, SetWords& words) {
-  constexpr const char* kWhose = " of the running printer at --port";
-  auto* const set = app.add_subcommand("set", std::string("Change a condition") + kWhose);
+  constexpr const char* kWhose = " of the running printer at --port or --listen";
+  auto* const set = app.add_subcommand("set", std::string("Change something") + kWhose);
   set->fallthrough();
-  set->add_option("CONDITION", words.condition, condition_names())
-      ->required()
-      ->check(CLI::Validator(check_condition, ""));
-  set->add_option("STATE", words.state, "on or off")
-      ->required()
-      ->check(CLI::IsMember({"on", "off"}));
+  set->add_option("NAME", words.name, names_that_can_be_set())->required();
+  set->add_option("VALUE", words.value, "on, off or a number")->required();
   auto* const status =
       app.add_subcommand("status", std::string("Conditions and counters") + kWhose);
   status->fallthrough();
@@ -106,19 +134,40 @@ void describe_requests(CLI::App& app, SetWords& words) {
 void describe(CLI::App& app, Options& options, SetWords& words) {
   // The last of several counts, so that a script's defaults can be overridden.
   app.option_defaults()->take_last();
-  describe_port_and_paper(app, options);
-  describe_faults(app, options);
+  describe_line(app, options);
+  describe_files(app, options);
+  describe_conditions(app, options.service);
+  describe_line_settings(app, options.service.line);
   describe_requests(app, words);
   app.footer(
       "\nWith COMMAND, the printer runs it and ends with it; else it runs until interrupted.\n"
       "Each cut writes receipt-NNN.png and receipt-NNN.txt; uncut paper is written at the end.");
 }
 
-std::optional<ControlRequest> request_of(const CLI::App& app, const SetWords& words) {
-  if (app.got_subcommand("status")) return ControlRequest{};
-  if (!app.got_subcommand("set")) return std::nullopt;
-  const auto condition = condition_named(words.condition);
-  return ControlRequest{ConditionChange{condition.value(), words.state == "on"}};
+std::string request_of(const CLI::App& app, const SetWords& words) {
+  if (app.got_subcommand("status")) return "status";
+  if (!app.got_subcommand("set")) return "";
+  std::string request = "set " + words.name + " " + words.value;
+  if (!parse_control_request(request)) {
+    throw CLI::ValidationError(request, "nothing that can be set, or not to that; NAME is one of " +
+                                            names_that_can_be_set());
+  }
+  return request;
+}
+
+// What no single option can see.
+void check_together(const Options& options, bool has_mark) {
+  const bool serial = tzvio_devices::kind_of(options.port) == tzvio_devices::DeviceKind::kSerial;
+  if (options.terminal && !serial) {
+    throw CLI::ValidationError("--terminal", "only a serial port can be a terminal");
+  }
+  if (options.environment && has_mark) {
+    throw CLI::ValidationError("--environment", "the COMMAND has it already");
+  }
+  if (has_mark && options.command.empty()) throw CLI::ValidationError("--", "COMMAND is missing");
+  if (has_mark && !options.request.empty()) {
+    throw CLI::ValidationError("--", "a request to a running printer takes no COMMAND");
+  }
 }
 
 }  // namespace
@@ -131,18 +180,13 @@ std::variant<Options, int> parse_command_line(int argc, char** argv) {
   SetWords words;
   if (mark != end) options.command.assign(mark + 1, end);
   CLI::App app(
-      "Plays a thermal receipt printer behind a serial port.\n"
+      "Plays a thermal receipt printer behind a serial port, a parallel port, USB or TCP.\n"
       "virtual-printer [OPTIONS] [-- COMMAND ARGS...]");
   describe(app, options, words);
   try {
     app.parse(static_cast<int>(mark - argv), argv);
     options.request = request_of(app, words);
-    if (mark != end && options.command.empty()) {
-      throw CLI::ValidationError("--", "COMMAND is missing");
-    }
-    if (mark != end && options.request) {
-      throw CLI::ValidationError("--", "a request to a running printer takes no COMMAND");
-    }
+    check_together(options, mark != end);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kBadUsage;
   }

@@ -6,17 +6,20 @@
 #include <variant>
 #include <vector>
 
-#include "control_request.h"
 #include "service.h"
+#include "tcp_link.h"
 
 namespace virtual_printer {
 
 struct Options {
   std::string port = "/dev/ttyS-virtual";
+  std::optional<TcpAddress> listen;  // in place of the port
+  bool terminal = false;             // a real one, although there is a command
+  bool environment = false;          // that a program needs to open the port is told
   bool strict = false;
   ServiceOptions service;
-  std::vector<std::string> command;       // empty: serve until interrupted
-  std::optional<ControlRequest> request;  // to the printer that runs already
+  std::vector<std::string> command;  // empty: serve until interrupted
+  std::string request;               // to the printer that runs already; empty: none
 };
 
 // What to do, or the exit status of a command line with which all is said: help, or a mistake.

@@ -1,5 +1,7 @@
 #include "printer.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -27,8 +29,19 @@ bool is_cut(CommandKind kind) {
 
 void Printer::receive(std::string_view bytes) {
   parser_.feed(bytes);
-  if (is_off()) return forget_everything();
-  decode(Expectation::kMore);
+  if (is_off()) {
+    forget_everything();
+  } else {
+    decode(Expectation::kMore);
+  }
+  let_fault_set_in();
+}
+
+void Printer::connection_has_ended() {
+  const std::size_t unfinished = parser_.end() - parser_.offset();
+  if (unfinished > 0) listener_.report_cut_off(unfinished);
+  parser_ = CommandParser(parser_.end());
+  reports_enabled_ = false;
 }
 
 void Printer::finish() {
@@ -186,7 +199,7 @@ void Printer::change(Condition condition, bool on) {
   listener_.report_condition(condition, on);
   if (is_off()) {
     forget_everything();
-  } else if (reports_enabled_ && condition != Condition::kMarkSeen) {
+  } else if (reports_enabled_ && is_reported(condition)) {
     listener_.answer(status_report(conditions_));
   }
 }
@@ -200,8 +213,15 @@ void Printer::forget_everything() {
   typesetter_.reset();
 }
 
+std::size_t Printer::bytes_before_fault() const {
+  if (!fault_ || fault_->unit != ScriptedFault::Unit::kBytes) return SIZE_MAX;
+  return fault_->after - std::min(fault_->after, parser_.end());
+}
+
 void Printer::let_fault_set_in() {
-  if (!fault_ || printed_lines() < fault_->after_lines) return;
+  if (!fault_) return;
+  const bool in_lines = fault_->unit == ScriptedFault::Unit::kLines;
+  if ((in_lines ? printed_lines() : parser_.end()) < fault_->after) return;
   const Condition condition = fault_->condition;
   fault_.reset();
   change(condition, true);

@@ -34,6 +34,8 @@ class PrinterListener {
   virtual void report_refused(const RefusedFrame& frame) = 0;
   // An initialise command made the printer forget text that no line feed had printed.
   virtual void report_forgotten(std::size_t characters) = 0;
+  // A connection ended within a command or a frame.
+  virtual void report_cut_off(std::size_t bytes) = 0;
   virtual void report_condition(Condition condition, bool on) = 0;
   virtual void store_serial_number(const std::string& number) = 0;
   virtual void deliver(const Receipt& receipt, PaperEnd end) = 0;
@@ -52,6 +54,10 @@ class Printer {
   bool waits_for_frame() const { return parser_.waits_for_frame(); }
   void line_is_silent() { decode(Expectation::kNoMoreOfFrame); }
 
+  // Whoever was connected is no more: the rest of an unfinished command will not come, and nobody
+  // is left who wanted reports.
+  void connection_has_ended();
+
   // Nothing more will come: what is printed or waits to be printed is delivered uncut. What a
   // condition holds back stays unprinted.
   void finish();
@@ -59,8 +65,11 @@ class Printer {
   // Goes on printing when the condition was the last that stopped it.
   void set(Condition condition, bool on);
 
-  // At zero lines it sets in now.
+  // At zero it sets in now.
   void expect_fault(const ScriptedFault& fault);
+
+  // How many bytes may be received at once for a fault to set in at the very one.
+  std::size_t bytes_before_fault() const;
 
   const Conditions& conditions() const { return conditions_; }
   std::size_t printed_lines() const { return typesetter_.printed_lines(); }

@@ -7,9 +7,9 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <stdexcept>
 #include <utility>
 
-#include "control_request.h"
 #include "memory_file.h"
 
 namespace virtual_printer {
@@ -21,6 +21,9 @@ constexpr std::size_t kMostThatWaits = 32768;
 
 // How long a till may pause within a frame before the frame counts as broken.
 constexpr std::chrono::milliseconds kFrameSilence{1000};
+
+// How often a slow line moves on in a second.
+constexpr int kSlowSteps = 50;
 
 // Whatever is due later is seen on waking up in between.
 constexpr std::int64_t kLongestWaitMs = 3600000;
@@ -35,6 +38,14 @@ std::string switch_word(bool on) {
   return on ? " on" : " off";
 }
 
+std::ofstream open_record(const std::string& path) {
+  std::ofstream file;
+  if (path.empty()) return file;
+  file.open(path, std::ios::binary | std::ios::trunc);
+  if (!file) throw std::runtime_error("cannot write " + path);
+  return file;
+}
+
 std::string hex_of(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {
@@ -47,14 +58,14 @@ std::string hex_of(std::string_view bytes) {
 
 }  // namespace
 
-Service::Service(PortLink& link, SignalQueue& signals, ControlSocket* control,
-                 ServiceOptions options)
+Service::Service(Link& link, SignalQueue& signals, ControlSocket* control, ServiceOptions options)
     : link_(link),
       signals_(signals),
       control_(control),
       options_(std::move(options)),
       files_(options_.output_folder),
-      answers_(options_.answer_faults),
+      record_(open_record(options_.record_file)),
+      answers_(options_.line),
       printer_(*this, open_memory(options_.memory_file)) {}
 
 void Service::run() {
@@ -66,13 +77,11 @@ void Service::run() {
   finish();
 }
 
-int Service::run(const std::vector<std::string>& command) {
+int Service::run(const std::vector<std::string>& command, const Environment& environment) {
   power_up();
-  ChildProcess child(command);
+  ChildProcess child(command, environment);
   std::optional<int> status;
-  // A command that has sent all and ended does not keep its receipt from being printed when the
-  // printer is about to recover.
-  while (!status || (recovery_due_ && printer_.held_bytes() > 0)) {
+  while (!status || is_about_to_go_on()) {
     serve_once();
     while (const auto signal = signals_.next()) {
       if (*signal == SIGCHLD) continue;
@@ -85,8 +94,21 @@ int Service::run(const std::vector<std::string>& command) {
   return *status;
 }
 
+// A command that has sent all and ended does not keep its receipt from being printed when the
+// printer is about to recover.
+bool Service::is_about_to_go_on() const {
+  return recovery_due_ &&
+         (printer_.held_bytes() > 0 || printer_.conditions().has(Condition::kBusy));
+}
+
 void Service::power_up() {
-  if (options_.fault) printer_.expect_fault(*options_.fault);
+  link_.refuse_nibble_mode(options_.line.nibble_refusals);
+  if (const auto& fault = options_.fault) {
+    const bool in_bytes = fault->unit == ScriptedFault::Unit::kBytes;
+    if (in_bytes && fault->condition == Condition::kBusy) link_.limit_room(fault->after);
+    printer_.expect_fault(*fault);
+  }
+  show_line();
 }
 
 void Service::serve_once() {
@@ -101,7 +123,10 @@ void Service::serve_once() {
 }
 
 void Service::wait() const {
-  std::vector<pollfd> sources{{link_.descriptor(), POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
+  std::vector<pollfd> sources{{signals_.descriptor(), POLLIN, 0}};
+  if (takes_bytes()) {
+    for (const int descriptor : link_.descriptors()) sources.push_back({descriptor, POLLIN, 0});
+  }
   if (control_ != nullptr) {
     for (const int descriptor : control_->descriptors()) sources.push_back({descriptor, POLLIN, 0});
   }
@@ -117,7 +142,7 @@ void Service::wait() const {
 
 std::optional<Clock::time_point> Service::next_deadline() const {
   std::optional<Clock::time_point> next;
-  for (const auto& deadline : {answers_.next_due(), recovery_due_, frame_due_}) {
+  for (const auto& deadline : {answers_.next_due(), recovery_due_, frame_due_, next_read_due_}) {
     if (deadline && (!next || *deadline < *next)) next = deadline;
   }
   return next;
@@ -127,8 +152,9 @@ void Service::act_on_time() {
   const Clock::time_point now = Clock::now();
   if (recovery_due_ && *recovery_due_ <= now) {
     recovery_due_.reset();
-    printer_.set(options_.fault->condition, false);
+    change(ConditionChange{options_.fault->condition, false});
   }
+  if (next_read_due_ && *next_read_due_ <= now) next_read_due_.reset();
   if (frame_due_ && *frame_due_ <= now) {
     frame_due_.reset();
     printer_.line_is_silent();
@@ -139,10 +165,35 @@ void Service::act_on_time() {
 ControlReply Service::control(const std::string& request) {
   const auto parsed = parse_control_request(request);
   if (!parsed) return {false, "the printer does not understand: " + request};
-  if (!parsed->change) return {true, status()};
-  printer_.set(parsed->change->condition, parsed->change->on);
-  send_due_answers();
+  if (std::holds_alternative<StatusQuery>(*parsed)) return {true, status()};
+  if (const auto* condition = std::get_if<ConditionChange>(&*parsed)) change(*condition);
+  if (const auto* setting = std::get_if<SettingChange>(&*parsed)) change(*setting);
   return {true, ""};
+}
+
+void Service::change(const ConditionChange& change) {
+  printer_.set(change.condition, change.on);
+  show_line();
+  send_due_answers();
+}
+
+void Service::change(const SettingChange& change) {
+  options_.line.*change.setting->value = change.value;
+  if (change.setting->value == &LineFaults::nibble_refusals) link_.refuse_nibble_mode(change.value);
+  next_read_due_.reset();
+}
+
+// The other end sees it, and whoever was hung up on is gone.
+void Service::show_line() {
+  link_.show(printer_.conditions());
+  look_for_hang_up();
+}
+
+void Service::look_for_hang_up() {
+  if (!link_.take_hang_up()) return;
+  printer_.connection_has_ended();
+  answers_.clear();
+  frame_due_.reset();
 }
 
 std::string Service::status() const {
@@ -150,6 +201,9 @@ std::string Service::status() const {
   for (const Condition condition : kAllConditions) {
     text +=
         std::string(name_of(condition)) + switch_word(printer_.conditions().has(condition)) + "\n";
+  }
+  for (const LineSetting& setting : kLineSettings) {
+    text += std::string(setting.name) + " " + value_in_words(setting, options_.line) + "\n";
   }
   const auto count = [&](const char* name, std::size_t number) {
     text += std::string(name) + " " + std::to_string(number) + "\n";
@@ -162,14 +216,41 @@ std::string Service::status() const {
   return text;
 }
 
+bool Service::takes_bytes() const {
+  return !printer_.conditions().has(Condition::kBusy) && !next_read_due_;
+}
+
+std::size_t Service::most_to_read() const {
+  const std::size_t most = printer_.bytes_before_fault();
+  if (options_.line.slow == 0) return most;
+  return std::min(most, static_cast<std::size_t>(std::max(options_.line.slow / kSlowSteps, 1)));
+}
+
 std::size_t Service::print_waiting_bytes() {
-  const std::string bytes = link_.read_waiting();
+  if (!takes_bytes()) return 0;
+  const std::string bytes = link_.read_waiting(most_to_read());
+  look_for_hang_up();
   if (bytes.empty()) return 0;
-  printer_.receive(bytes);
+  if (options_.line.slow > 0) {
+    next_read_due_ = Clock::now() + std::chrono::microseconds(std::chrono::seconds(bytes.size())) /
+                                        options_.line.slow;
+  }
+  receive(bytes);
   frame_due_.reset();
   if (printer_.waits_for_frame()) frame_due_ = Clock::now() + kFrameSilence;
+  show_line();
   send_due_answers();
   return bytes.size();
+}
+
+// Byte by byte, because all that follows a lost connection is lost with it.
+void Service::receive(std::string_view bytes) {
+  for (const char& byte : bytes) {
+    if (printer_.conditions().is_cut_off()) break;
+    if (record_.is_open()) record_.put(byte);
+    printer_.receive({&byte, 1});
+  }
+  record_.flush();
 }
 
 void Service::print_all_waiting_bytes() {
@@ -182,6 +263,8 @@ void Service::print_all_waiting_bytes() {
 }
 
 void Service::finish() {
+  next_read_due_.reset();
+  options_.line.slow = 0;
   print_all_waiting_bytes();
   printer_.finish();
   if (printer_.held_bytes() > 0) {
@@ -200,7 +283,7 @@ void Service::send_due_answers() {
 }
 
 void Service::send(std::string_view bytes) {
-  const std::size_t taken = link_.write(bytes);
+  const std::size_t taken = printer_.conditions().is_cut_off() ? 0 : link_.write(bytes);
   if (taken < bytes.size()) {
     std::fprintf(stderr, "answer lost, nobody reads the line:%s\n",
                  hex_of(bytes.substr(taken)).c_str());
@@ -224,6 +307,10 @@ void Service::report_refused(const RefusedFrame& frame) {
 
 void Service::report_forgotten(std::size_t characters) {
   std::fprintf(stderr, "initialise before a line feed: %zu characters not printed\n", characters);
+}
+
+void Service::report_cut_off(std::size_t bytes) {
+  std::fprintf(stderr, "connection ended within a command: %zu bytes forgotten\n", bytes);
 }
 
 // A printer without power says nothing, not even what it was about to say.

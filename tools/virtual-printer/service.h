@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,7 +11,9 @@
 #include "answer_queue.h"
 #include "child_process.h"
 #include "control.h"
-#include "port_link.h"
+#include "control_request.h"
+#include "line_faults.h"
+#include "link.h"
 #include "printer.h"
 #include "receipt_files.h"
 #include "signal_queue.h"
@@ -19,22 +23,23 @@ namespace virtual_printer {
 struct ServiceOptions {
   std::string output_folder = ".";
   std::string memory_file;  // empty: the serial number lives as long as the process
+  std::string record_file;  // empty: what arrives is not recorded
   std::optional<ScriptedFault> fault;
   std::optional<std::chrono::milliseconds> recovery;  // from the fault on
-  AnswerFaults answer_faults;
+  LineFaults line;
 };
 
 class Service : private PrinterListener {
  public:
   // The control socket may be missing.
-  Service(PortLink& link, SignalQueue& signals, ControlSocket* control, ServiceOptions options);
+  Service(Link& link, SignalQueue& signals, ControlSocket* control, ServiceOptions options);
 
   // Serves until a signal ends it.
   void run();
 
   // Serves until the command has ended and all that it sent is printed; returns its exit status.
   // Signals to end are passed on to the command.
-  int run(const std::vector<std::string>& command);
+  int run(const std::vector<std::string>& command, const Environment& environment);
 
   bool met_unknown_bytes() const { return unknown_count_ > 0 || refused_count_ > 0; }
 
@@ -44,6 +49,7 @@ class Service : private PrinterListener {
   void report_unknown(const UnknownBytes& unknown) override;
   void report_refused(const RefusedFrame& frame) override;
   void report_forgotten(std::size_t characters) override;
+  void report_cut_off(std::size_t bytes) override;
   void report_condition(Condition condition, bool on) override;
   void store_serial_number(const std::string& number) override;
   void deliver(const Receipt& receipt, PaperEnd end) override;
@@ -56,22 +62,32 @@ class Service : private PrinterListener {
   void send_due_answers();
   void send(std::string_view bytes);
   ControlReply control(const std::string& request);
+  void change(const ConditionChange& change);
+  void change(const SettingChange& change);
   std::string status() const;
+  bool takes_bytes() const;
+  std::size_t most_to_read() const;
   std::size_t print_waiting_bytes();  // one read's worth, so that signals are seen between
+  void receive(std::string_view bytes);
   void print_all_waiting_bytes();
+  void show_line();
+  void look_for_hang_up();
+  bool is_about_to_go_on() const;
   void finish();
 
-  PortLink& link_;
+  Link& link_;
   SignalQueue& signals_;
   ControlSocket* control_;
   ServiceOptions options_;
   ReceiptFiles files_;
+  std::ofstream record_;
   AnswerQueue answers_;
   Printer printer_;
   bool fault_has_set_in_ = false;
   std::optional<Clock::time_point> recovery_due_;
   std::optional<Clock::time_point> frame_due_;
-  std::size_t unknown_count_ = 0;  // reports
+  std::optional<Clock::time_point> next_read_due_;  // of a slow line
+  std::size_t unknown_count_ = 0;                   // reports
   std::size_t unknown_bytes_ = 0;
   std::size_t refused_count_ = 0;
   std::size_t receipt_count_ = 0;

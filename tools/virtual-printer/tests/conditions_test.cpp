@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+
 #include "control_request.h"
 
 namespace virtual_printer {
@@ -34,27 +36,54 @@ TEST(Conditions, only_faults_stop_printing) {
   }
 }
 
-TEST(Conditions, scripted_fault_is_a_condition_and_a_line) {
+TEST(Conditions, scripted_fault_is_a_condition_and_a_line_or_a_byte) {
   EXPECT_EQ(parse_scripted_fault("paper-out@12"), (ScriptedFault{Condition::kPaperOut, 12}));
   EXPECT_EQ(parse_scripted_fault("jam@0"), (ScriptedFault{Condition::kCutterJam, 0}));
-  for (const char* wrong : {"", "jam", "jam@", "@3", "lid@3", "jam@-1", "jam@3x", "jam@3@4"}) {
+  EXPECT_EQ(parse_scripted_fault("busy@40B"),
+            (ScriptedFault{Condition::kBusy, 40, ScriptedFault::Unit::kBytes}));
+  for (const char* wrong : {"", "jam", "jam@", "@3", "lid@3", "jam@-1", "jam@3x", "jam@3@4",
+                            "jam@B", "jam@3b", "jam@3BB"}) {
     EXPECT_EQ(parse_scripted_fault(wrong), std::nullopt) << wrong;
   }
 }
 
-TEST(ControlRequest, every_request_survives_the_way) {
-  EXPECT_EQ(parse_control_request(text_of(ControlRequest{})), ControlRequest{});
+TEST(Conditions, reports_tell_of_the_printer_and_not_of_the_line) {
+  EXPECT_TRUE(is_reported(Condition::kCoverOpen));
+  EXPECT_TRUE(is_reported(Condition::kOffline));
+  EXPECT_FALSE(is_reported(Condition::kMarkSeen));
+  EXPECT_FALSE(is_reported(Condition::kConnectionLost));
+  EXPECT_FALSE(is_reported(Condition::kNibbleRefused));
+}
+
+TEST(ControlRequest, status_or_a_change) {
+  EXPECT_EQ(parse_control_request("status"), ControlRequest(StatusQuery{}));
   for (const Condition condition : kAllConditions) {
-    for (const bool on : {false, true}) {
-      const ControlRequest request{ConditionChange{condition, on}};
-      EXPECT_EQ(parse_control_request(text_of(request)), request) << text_of(request);
-    }
+    const std::string set = "set " + std::string(name_of(condition));
+    EXPECT_EQ(parse_control_request(set + " on"), ControlRequest(ConditionChange{condition, true}));
+    EXPECT_EQ(parse_control_request(set + " off"),
+              ControlRequest(ConditionChange{condition, false}));
+  }
+}
+
+TEST(ControlRequest, switches_are_switched_and_numbers_set) {
+  for (const LineSetting& setting : kLineSettings) {
+    const std::string set = "set " + std::string(setting.name);
+    const auto change = [&](int value) { return ControlRequest(SettingChange{&setting, value}); };
+    EXPECT_EQ(parse_control_request(set + " off"), change(0)) << set;
+    EXPECT_EQ(parse_control_request(set + " on"),
+              setting.is_switch() ? std::optional(change(1)) : std::nullopt)
+        << set;
+    EXPECT_EQ(parse_control_request(set + " 25"),
+              setting.is_switch() ? std::nullopt : std::optional(change(25)))
+        << set;
   }
 }
 
 TEST(ControlRequest, nonsense_is_no_request) {
   for (const char* wrong :
-       {"", "state", "set ", "set cover", "set on", "set lid on", "set cover up"}) {
+       {"", "state", "set ", "set cover", "set on", "set lid on", "set cover up", "set cover on on",
+        "set slow", "set slow fast", "set slow -1", "set slow 1x", "set slow 10000001",
+        "set mute 1", "set answer-delay 3600001"}) {
     EXPECT_EQ(parse_control_request(wrong), std::nullopt) << wrong;
   }
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,6 +30,7 @@ struct Recorder : PrinterListener {
   }
   void store_serial_number(const std::string& number) override { stored = number; }
   void report_forgotten(std::size_t characters) override { forgotten += characters; }
+  void report_cut_off(std::size_t bytes) override { cut_off += bytes; }
   void deliver(const Receipt& receipt, PaperEnd end) override {
     papers.emplace_back(text_of(receipt), end);
   }
@@ -40,6 +42,7 @@ struct Recorder : PrinterListener {
   std::string stored;
   int beeps = 0;
   std::size_t forgotten = 0;
+  std::size_t cut_off = 0;
   std::vector<std::pair<std::string, PaperEnd>> papers;
 };
 
@@ -363,6 +366,64 @@ TEST_F(PrinterTest, self_test_stops_at_a_fault_and_goes_on) {
   printer.set(Condition::kPaperOut, false);
   EXPECT_THAT(recorder.papers, SizeIs(1));
   EXPECT_THAT(recorder.unknown, IsEmpty());
+}
+
+TEST_F(PrinterTest, connection_that_ends_takes_an_unfinished_command_with_it) {
+  printer.receive("one\n\x1d(H\x06");
+  printer.connection_has_ended();
+  EXPECT_EQ(recorder.cut_off, 4U);
+  printer.receive("two\n\x1bi");
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("one\ntwo\n", PaperEnd::kCut)));
+  EXPECT_THAT(recorder.unknown, IsEmpty());
+}
+
+TEST_F(PrinterTest, connection_that_ends_takes_an_unfinished_frame_with_it) {
+  const std::string frame = framed("in a frame\n");
+  printer.receive(frame.substr(0, frame.size() - 1));
+  printer.connection_has_ended();
+  EXPECT_EQ(recorder.cut_off, frame.size() - 1);
+  EXPECT_FALSE(printer.waits_for_frame());
+  EXPECT_THAT(recorder.refused, IsEmpty());
+}
+
+TEST_F(PrinterTest, connection_that_ends_leaves_the_open_line_and_what_is_held) {
+  printer.receive("open");
+  printer.set(Condition::kPaperOut, true);
+  printer.receive(" line\n");
+  printer.connection_has_ended();
+  printer.set(Condition::kPaperOut, false);
+  printer.receive("\x1bi");
+  EXPECT_EQ(recorder.cut_off, 0U);
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("open line\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, next_connection_has_to_enable_reports_again) {
+  printer.receive(kReportsOn);
+  answered();
+  printer.connection_has_ended();
+  printer.set(Condition::kCoverOpen, true);
+  EXPECT_EQ(answered(), "");
+  printer.receive(kReportsOn);
+  EXPECT_EQ(answered(), kCoverReport);
+}
+
+TEST_F(PrinterTest, conditions_of_the_line_are_not_reported) {
+  printer.receive(kReportsOn);
+  answered();
+  printer.set(Condition::kBusy, true);
+  EXPECT_EQ(answered(), "");
+  EXPECT_THAT(recorder.changes, ElementsAre("busy on"));
+}
+
+TEST_F(PrinterTest, fault_sets_in_at_the_very_byte) {
+  printer.expect_fault({Condition::kBusy, 5, ScriptedFault::Unit::kBytes});
+  EXPECT_EQ(printer.bytes_before_fault(), 5U);
+  printer.receive("abc");
+  EXPECT_EQ(printer.bytes_before_fault(), 2U);
+  EXPECT_THAT(recorder.changes, IsEmpty());
+  printer.receive("de");
+  EXPECT_THAT(recorder.changes, ElementsAre("busy on"));
+  EXPECT_EQ(printer.bytes_before_fault(), SIZE_MAX);
 }
 
 TEST_F(PrinterTest, what_a_fault_holds_back_is_not_printed_at_the_end) {

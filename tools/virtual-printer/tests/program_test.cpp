@@ -1,12 +1,9 @@
 // The program from outside: started as people start it, judged by what it leaves behind.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -20,6 +17,8 @@ namespace virtual_printer {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 
 // Width and height as the file's header has them.
 std::pair<int, int> size_of_png(const fs::path& path) {
@@ -97,15 +96,10 @@ TEST_F(ProgramTest, strict_makes_unknown_bytes_a_failure) {
   EXPECT_EQ(run_script(R"(printf 'ab\n\033i' >$port)", {"--strict"}).status, 0);
 }
 
-TEST_F(ProgramTest, ordinary_user_gets_the_name_in_a_private_folder) {
-  if (!ordinary_users_have_namespaces()) GTEST_SKIP() << "users may not make namespaces here";
-  const Outcome outcome = run_script(R"(
-    printf 'private\n\033i' >$port
-    printf 'as usual' >/dev/null
-    id -u)",
-                                     {}, User::kOrdinary);
+TEST_F(ProgramTest, ordinary_user_needs_no_rights_to_run_a_command) {
+  const Outcome outcome = run_script("printf 'mine\n\033i' >$port; id -u", {}, User::kOrdinary);
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
-  EXPECT_EQ(content_of(in_folder("receipt-001.txt")), "private\n");
+  EXPECT_EQ(content_of(in_folder("receipt-001.txt")), "mine\n");
   const uid_t user = geteuid() == 0 ? kNobody : geteuid();
   EXPECT_THAT(outcome.out, HasSubstr(std::to_string(user) + "\n"));
 }
@@ -120,8 +114,6 @@ TEST_F(ProgramTest, ordinary_user_without_a_command_is_told_what_to_do) {
 }
 
 TEST_F(ProgramTest, endless_sender_does_not_keep_the_printer_from_ending) {
-  // The port is opened before the sender goes into the background: opened later, the name may be
-  // gone, and the shell would make a file of it.
   const Outcome outcome =
       run_script("exec 3>$port; yes 'without end' >&3 2>/dev/null &\nuntil [ -e " +
                  in_folder("receipt-001-uncut.png").string() + " ]; do :; done; exit 4");
@@ -134,11 +126,48 @@ TEST_F(ProgramTest, folder_that_cannot_be_made_is_an_error_before_the_command_ru
   EXPECT_EQ(outcome.out, "");
 }
 
-TEST_F(ProgramTest, name_must_be_a_serial_ports) {
-  for (const std::string name : {"/tmp/port", "/dev/ttyS", "/dev/ttyS/../null"}) {
+TEST_F(ProgramTest, name_must_be_one_that_a_device_has) {
+  for (const std::string name : {"", "/tmp/port", "/dev/ttyS", "/dev/ttyS/../null", "/dev/usb/lp",
+                                 "/dev/usb/hiddev0", "/dev/lp0:1", "/dev/lp0=1"}) {
     const Outcome outcome = finish(start({"--port", name, "--", "true"}));
     EXPECT_EQ(outcome.status, 2) << name;
     EXPECT_THAT(outcome.errors, HasSubstr("must begin with /dev/ttyS")) << name;
+  }
+}
+
+TEST_F(ProgramTest, every_kind_of_device_prints) {
+  for (const std::string name : {"/dev/ttyS-x", "/dev/usb/lp-x", "/dev/usblp-x"}) {
+    const Outcome outcome =
+        run_script("printf '\\020\\004\\001Hello\\n' >$VIRTUAL_PRINTER_PORT", {"--port", name});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.out, HasSubstr("ready " + name + "\n"));
+  }
+  EXPECT_EQ(content_of(in_folder("receipt-003-uncut.txt")), "Hello\n");
+}
+
+TEST_F(ProgramTest, what_arrives_is_recorded_byte_for_byte) {
+  run_script(R"(printf '\000\377\033@A\n' >$port)", {"--record", in_folder("record")});
+  EXPECT_EQ(content_of(in_folder("record")), std::string("\0\xff\x1b@A\n", 6));
+  const Outcome outcome = run_script("true", {"--record", "/dev/null/record"});
+  EXPECT_EQ(outcome.status, kOwnFailure);
+  EXPECT_THAT(outcome.errors, HasSubstr("cannot write /dev/null/record"));
+}
+
+TEST_F(ProgramTest, several_programs_share_a_device) {
+  const Outcome outcome = run_script(R"(
+    exec 3<>$port
+    printf 'one\n\033#ERROR' >$port
+    until grep -q beep )" + in_folder("out").string() +
+                                     R"(; do :; done
+    printf 'two\n\020\004\001' >&3; timeout 30 dd bs=1 count=1 <&3 2>/dev/null | od -An -tx1)");
+  EXPECT_THAT(outcome.out, HasSubstr(" 16\n"));
+  EXPECT_EQ(content_of(in_folder("receipt-001-uncut.txt")), "one\ntwo\n");
+}
+
+TEST_F(ProgramTest, nothing_of_it_stays_when_it_ends) {
+  run_script("true");
+  for (const auto& entry : fs::directory_iterator(in_folder(""))) {
+    EXPECT_THAT(entry.path().filename().string(), Not(StartsWith("virtual-printer-")));
   }
 }
 
@@ -146,51 +175,31 @@ TEST_F(ProgramTest, command_mark_needs_a_command) {
   EXPECT_EQ(finish(start({"--"})).status, 2);
 }
 
+// In the way that the printer says, for a device that no terminal can be.
+TEST_F(ServingTest, program_elsewhere_prints_in_the_environment_that_is_told) {
+  port_ = "/dev/usb/lp-test" + std::to_string(getpid());
+  start_serving({"--port", port_});
+  std::string environment = next_line();
+  ASSERT_THAT(environment, StartsWith("env LD_PRELOAD='"));
+  ASSERT_EQ(next_line(), "ready " + port_ + "\n");
+  environment.pop_back();
+  const std::string command = environment + " sh -c \"printf 'elsewhere\\n\\033i' >" + port_ + '"';
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+  EXPECT_THAT(next_line(), HasSubstr("receipt-001.png"));
+  EXPECT_EQ(stop(), 0);
+  EXPECT_EQ(content_of(in_folder("receipt-001.txt")), "elsewhere\n");
+}
+
 // What only a user who may write to /dev can do.
-class SharedNameTest : public ProgramTest {
+class SharedNameTest : public ServingTest {
  protected:
   void SetUp() override {
-    if (!device_folder_is_writable()) GTEST_SKIP() << "/dev may not be written here";
+    if (access("/dev", W_OK) != 0) GTEST_SKIP() << "/dev may not be written here";
   }
-  void TearDown() override {
-    if (pid_ > 0) stop();
-  }
-
-  // Started without a command; its standard output comes through a pipe, line by line.
-  void start_serving() {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    pid_ = fork();
-    if (pid_ == 0) {
-      prctl(PR_SET_PDEATHSIG, SIGTERM);  // a test that is ended leaves no printer behind
-      dup2(ends[1], STDOUT_FILENO);
-      execl(program().c_str(), program().c_str(), "--port", port_.c_str(), "--output",
-            in_folder("").c_str(), nullptr);
-      _exit(EXIT_FAILURE);
-    }
-    close(ends[1]);
-    lines_ = fdopen(ends[0], "r");
-  }
-
-  std::string next_line() {
-    std::array<char, 512> line{};
-    return fgets(line.data(), line.size(), lines_) == nullptr ? "" : line.data();
-  }
-
-  int stop() {
-    kill(pid_, SIGTERM);
-    const int status = exit_status_of(std::exchange(pid_, -1));
-    fclose(lines_);
-    return status;
-  }
-
- private:
-  pid_t pid_ = -1;
-  FILE* lines_ = nullptr;
 };
 
 TEST_F(SharedNameTest, serves_until_it_is_told_to_end) {
-  start_serving();
+  start_serving({"--port", port_});
   ASSERT_EQ(next_line(), "ready " + port_ + "\n");
   std::ofstream(port_) << "from outside\n\x1bi" << std::flush;
   EXPECT_THAT(next_line(), HasSubstr("receipt-001.png"));
@@ -202,38 +211,38 @@ TEST_F(SharedNameTest, serves_until_it_is_told_to_end) {
 }
 
 TEST_F(SharedNameTest, second_printer_leaves_the_name_to_the_first) {
-  start_serving();
+  start_serving({"--port", port_});
   ASSERT_EQ(next_line(), "ready " + port_ + "\n");
-  const Outcome second = run_script("true");
+  const Outcome second = run_script("true", {"--terminal"});
   EXPECT_EQ(second.status, kOwnFailure);
   EXPECT_THAT(second.errors, HasSubstr("exists already"));
   EXPECT_TRUE(fs::exists(port_));
   EXPECT_EQ(stop(), 0);
 }
 
-TEST_F(SharedNameTest, stale_link_is_replaced) {
-  fs::create_symlink("/dev/pts/999999", port_);
-  EXPECT_EQ(run_script("true").status, 0);
+TEST_F(SharedNameTest, command_may_have_a_real_terminal) {
+  const Outcome outcome =
+      run_script(R"([ -c $port ] && printf '\003\n\033i' >$port)", {"--terminal"});
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_EQ(content_of(in_folder("receipt-001.txt")), "\n");
+  EXPECT_THAT(outcome.errors, HasSubstr("unknown bytes at 0: 03\n"));
 }
 
-TEST_F(SharedNameTest, stale_link_is_no_obstacle_to_an_ordinary_user) {
-  if (!ordinary_users_have_namespaces()) GTEST_SKIP() << "users may not make namespaces here";
+TEST_F(SharedNameTest, stale_link_is_replaced) {
   fs::create_symlink("/dev/pts/999999", port_);
-  EXPECT_EQ(run_script("printf 'a\n' >$port", {}, User::kOrdinary).status, 0);
-  EXPECT_EQ(content_of(in_folder("receipt-001-uncut.txt")), "a\n");
-  EXPECT_EQ(fs::read_symlink(port_), "/dev/pts/999999");
+  EXPECT_EQ(run_script("true", {"--terminal"}).status, 0);
 }
 
 TEST_F(SharedNameTest, foreign_file_is_left_alone) {
   std::ofstream(port_) << "mine";
-  const Outcome outcome = run_script("true");
+  const Outcome outcome = run_script("true", {"--terminal"});
   EXPECT_EQ(outcome.status, kOwnFailure);
   EXPECT_EQ(content_of(port_), "mine");
 }
 
 TEST_F(SharedNameTest, foreign_link_is_left_alone) {
   fs::create_symlink("/no/such/device", port_);
-  EXPECT_EQ(run_script("true").status, kOwnFailure);
+  EXPECT_EQ(run_script("true", {"--terminal"}).status, kOwnFailure);
   EXPECT_TRUE(fs::is_symlink(port_));
 }
 

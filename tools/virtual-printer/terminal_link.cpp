@@ -1,4 +1,4 @@
-#include "port_link.h"
+#include "terminal_link.h"
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -7,6 +7,8 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+
+#include "transfer.h"
 
 namespace virtual_printer {
 namespace {
@@ -58,32 +60,6 @@ void make_room_for(const std::string& name, const std::string& device) {
 
 }  // namespace
 
-PortLink::PortLink() : printer_end_(open_printer_end()), device_(device_of(printer_end_)) {
-  till_end_ = Descriptor(
-      check(open(device_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "cannot open " + device_));
-  make_raw(till_end_);
-}
-
-std::string PortLink::read_waiting() {
-  std::array<char, 4096> buffer;
-  ssize_t length;
-  do {
-    length = ::read(descriptor(), buffer.data(), buffer.size());
-  } while (length < 0 && errno == EINTR);
-  if (length < 0 && errno == EAGAIN) return {};
-  check(static_cast<int>(length), "cannot read the line");
-  return {buffer.data(), static_cast<std::size_t>(length)};
-}
-
-std::size_t PortLink::write(std::string_view bytes) {
-  ssize_t length;
-  do {
-    length = ::write(descriptor(), bytes.data(), bytes.size());
-  } while (length < 0 && errno == EINTR);
-  if (length < 0 && errno == EAGAIN) return 0;
-  return static_cast<std::size_t>(check(static_cast<int>(length), "cannot write to the line"));
-}
-
 PortName::PortName(std::string name, std::string device)
     : name_(std::move(name)), device_(std::move(device)) {
   make_room_for(name_, device_);
@@ -94,6 +70,22 @@ PortName::PortName(std::string name, std::string device)
 PortName::~PortName() {
   std::error_code error;
   if (std::filesystem::read_symlink(name_, error) == device_ && !error) unlink(name_.c_str());
+}
+
+TerminalLink::TerminalLink(const std::string& name)
+    : printer_end_(open_printer_end()),
+      till_end_(check(open(device_of(printer_end_).c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC),
+                      "cannot open the pseudo-terminal")),
+      name_(name, device_of(printer_end_)) {
+  make_raw(till_end_);
+}
+
+std::string TerminalLink::read_waiting(std::size_t most) {
+  return read_some(printer_end_, most).bytes;
+}
+
+std::size_t TerminalLink::write(std::string_view bytes) {
+  return write_some(printer_end_, bytes);
 }
 
 }  // namespace virtual_printer
