@@ -1,13 +1,15 @@
 # The front door; CMakePresets.json has the builds behind it.
 #
-#   make demo     print a receipt on the virtual printer and leave a picture of it; with
-#                 FAULT=paper-out, cover-open, cutter-jam or power-off something goes wrong
+#   make demo     print a receipt on the virtual printer and leave a picture of it: over TCP, or with
+#                 LINK=serial, usb or parallel over one of these; with FAULT=paper-out, cover-open,
+#                 cutter-jam, power-off or connection-lost something goes wrong
 #   make test     build the 32-bit library and run every test
 #   make format   format the sources; make lint checks them
 #   make bench    how fast things are, in both widths
 #   make sanitize the same tests natively, under the sanitizers
 
 JOBS ?= 2
+LINK ?= tcp
 PRESETS := asan tsan
 
 # A test in real time may meet a machine that stalls for longer than the library waits for a printer;
@@ -25,7 +27,7 @@ build/i386/libTZVIO.so.0: FORCE
 
 demo:
 	@tools/install-dependencies.sh demo
-	@tools/demo.sh $(JOBS) $(FAULT)
+	@tools/demo.sh $(JOBS) $(LINK) $(FAULT)
 
 test: build/i386/libTZVIO.so.0
 	@cmake --preset native >/dev/null

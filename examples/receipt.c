@@ -73,6 +73,8 @@ static int wait_until_ready(const char* port, long code) {
                   code == TZV_STATUS_CUTTER_JAM;
     if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) break;
     nanosleep(&pause, NULL);
+    /* Any write makes a lost network connection anew, even one of nothing. */
+    if (looks % 50 == 49) WritePort(port, "", 0);
     code = GetError(port);
   }
   return keeps_data;
