@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kPrinterFailed = 125;
 constexpr std::chrono::seconds kPatience{30};
 constexpr std::chrono::milliseconds kPause{10};
 
@@ -72,9 +71,22 @@ int exit_status_of(pid_t pid) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-std::string next_port() {
-  static int count = 0;
-  return "/dev/ttyS-e2e-" + std::to_string(getpid()) + "-" + std::to_string(++count);
+// This process's own, so that tests may run beside each other.
+std::string device_name(const std::string& beginning) {
+  return beginning + "-e2e-" + std::to_string(getpid());
+}
+
+std::vector<std::string> address_on(Line line) {
+  switch (line) {
+    case Line::kParallel:
+      return {"--port", device_name("/dev/parport")};
+    case Line::kUsb:
+      return {"--port", device_name("/dev/usb/lp")};
+    case Line::kTcp:
+      return {"--listen", "0"};
+    default:
+      return {"--port", device_name("/dev/ttyS")};
+  }
 }
 
 }  // namespace
@@ -94,7 +106,20 @@ std::string Outcome::lines_from(const std::string& beginning) const {
   return lines_that_begin(out, beginning);
 }
 
-PrinterTest::PrinterTest() : port_(next_port()) {
+std::string name_of(Line line) {
+  switch (line) {
+    case Line::kParallel:
+      return "parallel";
+    case Line::kUsb:
+      return "usb";
+    case Line::kTcp:
+      return "tcp";
+    default:
+      return "serial";
+  }
+}
+
+PrinterTest::PrinterTest(Line line) : address_(address_on(line)) {
   std::string name = fs::temp_directory_path() / "tzvio-e2e-XXXXXX";
   if (mkdtemp(name.data()) == nullptr) std::abort();
   folder_ = name;
@@ -116,8 +141,10 @@ void PrinterTest::SetUp() {
   if (!fs::exists(VIRTUAL_PRINTER_PROGRAM)) {
     GTEST_SKIP() << "there is no virtual printer at " << VIRTUAL_PRINTER_PROGRAM;
   }
-  const Outcome trial = run_under_printer({}, {"true"});
-  if (trial.status == kPrinterFailed) GTEST_SKIP() << "no printer here: " << trial.errors;
+}
+
+void PrinterTest::use(Line line) {
+  address_ = address_on(line);
 }
 
 Outcome PrinterTest::run_under_printer(const Words& options, const Words& command) {
@@ -126,7 +153,8 @@ Outcome PrinterTest::run_under_printer(const Words& options, const Words& comman
 }
 
 void PrinterTest::start_under_printer(const Words& options, const Words& command) {
-  Words words{VIRTUAL_PRINTER_PROGRAM, "--port", port_, "--output", in_folder("paper")};
+  Words words{VIRTUAL_PRINTER_PROGRAM, "--output", in_folder("paper")};
+  words.insert(words.end(), address_.begin(), address_.end());
   words.insert(words.end(), options.begin(), options.end());
   words.emplace_back("--");
   words.insert(words.end(), command.begin(), command.end());
@@ -150,10 +178,40 @@ bool PrinterTest::wait_for_line(const std::string& beginning) const {
   return false;
 }
 
-bool PrinterTest::set(const std::string& condition, const std::string& on_or_off) {
-  const pid_t pid =
-      spawn({VIRTUAL_PRINTER_PROGRAM, "set", condition, on_or_off, "--port", port_}, "set");
+// On a port that the printer found free, as its first line says it.
+bool PrinterTest::set(const std::string& name, const std::string& value) const {
+  Words words{VIRTUAL_PRINTER_PROGRAM, "set", name, value};
+  words.insert(words.end(), address_.begin(), address_.end());
+  if (address_.front() == "--listen") {
+    const std::string ready = lines_that_begin(content_of(in_folder("run.out")), "ready");
+    words.back() = ready.substr(ready.rfind(' ') + 1, ready.size() - ready.rfind(' ') - 2);
+  }
+  const pid_t pid = spawn(words, "set");
   return pid > 0 && exit_status_of(pid) == 0;
+}
+
+PrinterTest::Words PrinterTest::till(const std::string& scenario, const std::string& seconds) {
+  return {"/bin/sh",
+          "-c",
+          R"(exec "$0" "$1" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS" "$2")",
+          TILL_PROGRAM,
+          scenario,
+          seconds};
+}
+
+PrinterTest::Words PrinterTest::receipt() {
+  return {"/bin/sh", "-c", R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS")",
+          RECEIPT_PROGRAM};
+}
+
+std::string PrinterTest::request(const std::string& words) {
+  return std::string(VIRTUAL_PRINTER_PROGRAM) + " " + words +
+         R"( $(case "$VIRTUAL_PRINTER_PORT" in SOCKET:*) echo --listen "$VIRTUAL_PRINTER_SETTINGS";;)"
+         R"( *) echo --port "$VIRTUAL_PRINTER_PORT";; esac))";
+}
+
+std::string PrinterTest::recorded() const {
+  return content_of(in_folder("record"));
 }
 
 pid_t PrinterTest::spawn(const Words& words, const std::string& output_name) const {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -30,18 +31,27 @@ struct Outcome {
   std::string lines_from(const std::string& beginning) const;
 };
 
-// One test, one printer with a port and an output folder of its own.
+enum class Line { kSerial, kParallel, kUsb, kTcp };
+
+inline constexpr std::array kEveryLine{Line::kSerial, Line::kParallel, Line::kUsb, Line::kTcp};
+
+std::string name_of(Line line);
+
+// One test, one printer with a line and an output folder of its own.
 class PrinterTest : public testing::Test {
  protected:
   using Words = std::vector<std::string>;
 
-  PrinterTest();
+  explicit PrinterTest(Line line = Line::kSerial);
   ~PrinterTest() override;
   PrinterTest(const PrinterTest&) = delete;
   PrinterTest& operator=(const PrinterTest&) = delete;
 
-  // Skips where there is no printer, or where it cannot make its port.
+  // Skips where there is no printer.
   void SetUp() override;
+
+  // Another line than the test was made for, before its first run.
+  void use(Line line);
 
   // Runs a command under the printer to its end.
   Outcome run_under_printer(const Words& options, const Words& command);
@@ -51,19 +61,37 @@ class PrinterTest : public testing::Test {
 
   // Waits until standard output has a line that begins like that; whether it came.
   bool wait_for_line(const std::string& beginning) const;
-  // Changes a condition of the running printer; whether it took effect.
-  bool set(const std::string& condition, const std::string& on_or_off);
+  // Changes a condition or a setting of the running printer; whether it took effect.
+  bool set(const std::string& name, const std::string& value) const;
 
-  // The command of a till, by scenario.
-  Words till(const std::string& scenario) const { return {TILL_PROGRAM, scenario, port_}; }
-  Words receipt() const { return {RECEIPT_PROGRAM, port_}; }
-  const std::string& port() const { return port_; }
+  // The command of a till, by scenario, which waits so long for anything; and of the example. The
+  // shell puts in what the printer says about its port.
+  static Words till(const std::string& scenario, const std::string& seconds = "30");
+  static Words receipt();
+
+  // For a shell: the printer's program with a request to the printer that runs it.
+  static std::string request(const std::string& words);
+
+  // All bytes that came over the line, of a run with the options that record them.
+  Words recording() const { return {"--record", in_folder("record")}; }
+  std::string recorded() const;
 
  private:
   pid_t spawn(const Words& words, const std::string& output_name) const;
   std::filesystem::path in_folder(const std::string& name) const { return folder_ / name; }
 
   std::filesystem::path folder_;
-  std::string port_;
+  Words address_;      // the printer's options for its line
   pid_t printer_ = 0;  // 0: none runs
 };
+
+// A test that holds on several lines.
+class OnLine : public PrinterTest, public testing::WithParamInterface<Line> {
+ protected:
+  OnLine() : PrinterTest(GetParam()) {}
+};
+
+// The name of a test's instance.
+inline std::string line_of(const testing::TestParamInfo<Line>& info) {
+  return name_of(info.param);
+}

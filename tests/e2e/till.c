@@ -1,10 +1,11 @@
 /* A till for the tests: does one thing on a port and says what came of it, line by line.
  *
- *     till once|reprint|framed|identity|flags PORT [SECONDS]
+ *     till once|reprint|framed|identity|flags PORT SETTINGS SECONDS
  *
- * SECONDS is how long it waits for anything, 30 unless given.
- * Ends with 0 when it came to a result, whatever the result is; with 1 when the port cannot be
- * opened, with 2 when what it waits for does not come. */
+ * SECONDS is how long it waits for anything. When TILL_BEFORE_PRINTING is a shell command, `once`
+ * and `framed` run it between the claim and the receipt. Ends with 0 when it came to a result,
+ * whatever the result is; with 1 when the port cannot be opened, with 2 when what it waits for does
+ * not come. */
 #define _POSIX_C_SOURCE 200809L /* nanosleep */
 #include <stdio.h>
 #include <stdlib.h>
@@ -26,7 +27,7 @@ static const char kReceipt[] =
 
 enum { kPauseMs = 10, kCannotOpen = 1, kTimedOut = 2 };
 
-static long patience_ms = 30000;
+static long patience_ms;
 
 static void pause_briefly(void) {
   const struct timespec pause = {0, kPauseMs * 1000000L};
@@ -53,7 +54,9 @@ static void print_receipt(const char* port) {
 }
 
 static int print_once(const char* port) {
+  const char* command = getenv("TILL_BEFORE_PRINTING");
   if (!claim(port)) return kTimedOut;
+  if (command != NULL && system(command) != 0) return kTimedOut;
   TransactionPrint(port, TZV_TRANSACTION_BEGIN);
   print_receipt(port);
   printf("result %ld\n", TransactionPrint(port, TZV_TRANSACTION_END));
@@ -155,11 +158,11 @@ static int run_scenario(const char* name, const char* port) {
 }
 
 int main(int argc, char** argv) {
-  if (argc < 3) return kCannotOpen;
-  if (argc > 3) patience_ms = 1000 * strtol(argv[3], NULL, 10);
+  if (argc != 5) return kCannotOpen;
+  patience_ms = 1000 * strtol(argv[4], NULL, 10);
   setvbuf(stdout, NULL, _IOLBF, 0); /* each line at once, into a pipe too */
   const char* port = argv[2];
-  const long opened = OpenPort(port, "9600,none,8,1,none");
+  const long opened = OpenPort(port, argv[3]);
   printf("open %ld\n", opened);
   if (opened < 0) return kCannotOpen;
   const int status = run_scenario(argv[1], port);
