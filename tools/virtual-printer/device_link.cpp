@@ -50,8 +50,12 @@ void set_up_line(DevicePage& page) {
 
 // Beside the program, in the folder of each width; the loader puts the width's name for $LIB.
 std::string preload_library() {
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
-  std::string path = program.parent_path() / "preload/$LIB/libtzvio-devices.so";
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "preload";
+  // A loader that finds no library goes on without it, and the command would find a real device.
+  if (!std::filesystem::is_directory(folder)) {
+    throw std::runtime_error("the library that plays devices is missing: " + folder.string());
+  }
+  std::string path = folder / "$LIB/libtzvio-devices.so";
   if (path.find_first_of(": ") != std::string::npos) {
     throw std::runtime_error("no library can be preloaded from a path with a space or a colon: " +
                              path);

@@ -158,6 +158,7 @@ void Service::act_on_time() {
   if (frame_due_ && *frame_due_ <= now) {
     frame_due_.reset();
     printer_.line_is_silent();
+    show_line();
   }
   send_due_answers();
 }

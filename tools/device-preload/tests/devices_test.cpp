@@ -23,7 +23,6 @@
 namespace tzvio_devices {
 namespace {
 
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 // A call's result and the error that it left: 0 when it succeeded.

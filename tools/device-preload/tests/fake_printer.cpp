@@ -51,7 +51,8 @@ int listen_at(const std::string& path) {
 std::string socket_of(std::string_view name) {
   std::string file(name);
   std::replace(file.begin(), file.end(), '/', '-');
-  return std::string(std::getenv(kFolderVariable)) + "/" + file;
+  const char* const folder = std::getenv(kFolderVariable);
+  return (folder == nullptr ? "" : std::string(folder)) + "/" + file;
 }
 
 std::string environment_for_all_devices() {

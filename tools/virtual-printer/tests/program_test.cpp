@@ -153,6 +153,14 @@ TEST_F(ProgramTest, what_arrives_is_recorded_byte_for_byte) {
   EXPECT_THAT(outcome.errors, HasSubstr("cannot write /dev/null/record"));
 }
 
+TEST_F(ProgramTest, command_does_not_run_without_the_library_that_plays_its_device) {
+  fs::remove_all(in_folder("preload"));
+  const Outcome outcome = run_script("echo started");
+  EXPECT_EQ(outcome.status, kOwnFailure);
+  EXPECT_THAT(outcome.errors, HasSubstr("the library that plays devices is missing: "));
+  EXPECT_THAT(outcome.out, Not(HasSubstr("started")));
+}
+
 TEST_F(ProgramTest, several_programs_share_a_device) {
   const Outcome outcome = run_script(R"(
     exec 3<>$port
