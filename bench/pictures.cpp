@@ -89,7 +89,7 @@ void load_picture(benchmark::State& state) {
 
 void pack_row(benchmark::State& state, const BitKernels* kernels) {
   if (kernels == nullptr) return state.SkipWithError("the processor has none of them");
-  const std::vector<std::uint8_t> pixels(kLarge * 4, 0x80);
+  const std::vector<std::uint8_t> pixels(std::size_t{4} * kLarge, 0x80);
   std::vector<std::uint8_t> bits(kLarge / 8);
   PackRow* pack = kernels->packer(static_cast<int>(state.range(0)));
   for ([[maybe_unused]] auto iteration : state) {
