@@ -108,7 +108,6 @@ void Service::power_up() {
     if (in_bytes && fault->condition == Condition::kBusy) link_.limit_room(fault->after);
     printer_.expect_fault(*fault);
   }
-  show_line();
 }
 
 void Service::serve_once() {
@@ -158,7 +157,7 @@ void Service::act_on_time() {
   if (frame_due_ && *frame_due_ <= now) {
     frame_due_.reset();
     printer_.line_is_silent();
-    show_line();
+    look_for_hang_up();
   }
   send_due_answers();
 }
@@ -174,7 +173,7 @@ ControlReply Service::control(const std::string& request) {
 
 void Service::change(const ConditionChange& change) {
   printer_.set(change.condition, change.on);
-  show_line();
+  look_for_hang_up();
   send_due_answers();
 }
 
@@ -182,12 +181,6 @@ void Service::change(const SettingChange& change) {
   options_.line.*change.setting->value = change.value;
   if (change.setting->value == &LineFaults::nibble_refusals) link_.refuse_nibble_mode(change.value);
   next_read_due_.reset();
-}
-
-// The other end sees it, and whoever was hung up on is gone.
-void Service::show_line() {
-  link_.show(printer_.conditions());
-  look_for_hang_up();
 }
 
 void Service::look_for_hang_up() {
@@ -239,7 +232,7 @@ std::size_t Service::print_waiting_bytes() {
   receive(bytes);
   frame_due_.reset();
   if (printer_.waits_for_frame()) frame_due_ = Clock::now() + kFrameSilence;
-  show_line();
+  look_for_hang_up();
   send_due_answers();
   return bytes.size();
 }
@@ -314,8 +307,10 @@ void Service::report_cut_off(std::size_t bytes) {
   std::fprintf(stderr, "connection ended within a command: %zu bytes forgotten\n", bytes);
 }
 
-// A printer without power says nothing, not even what it was about to say.
+// Whoever reads the line may rely on it: the other end has seen the condition by then. A printer
+// without power says nothing, not even what it was about to say.
 void Service::report_condition(Condition condition, bool on) {
+  link_.show(printer_.conditions());
   say("condition " + std::string(name_of(condition)) + switch_word(on));
   if (condition == Condition::kPowerOff && on) answers_.clear();
   if (!options_.fault || options_.fault->condition != condition || !options_.recovery) return;

@@ -70,7 +70,6 @@ class Service : private PrinterListener {
   std::size_t print_waiting_bytes();  // one read's worth, so that signals are seen between
   void receive(std::string_view bytes);
   void print_all_waiting_bytes();
-  void show_line();
   void look_for_hang_up();
   bool is_about_to_go_on() const;
   void finish();
