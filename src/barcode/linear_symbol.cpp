@@ -35,22 +35,22 @@ constexpr Factors kCode128{{25.6, 42.667, 64, 85.333, 128}};
 constexpr std::size_t kNoLimit = SIZE_MAX;
 
 struct Symbology {
-  char type;  ///< GS k's
-  std::size_t shortest, longest;
-  const Thresholds* thresholds;  ///< null: fitted by the factors
+  std::size_t shortest, longest;  ///< data, in bytes
+  const Thresholds* thresholds;   ///< null: fitted by the factors
   const Factors* factors;
   std::size_t added;  ///< start and stop characters that count for fitting
+  char type;          ///< GS k's
   bool even = false;  ///< takes pairs of characters
 };
 
 // By number, from TZV_BARCODE_UPCA on. JAN symbols are EAN symbols.
 constexpr Symbology kSymbologies[] = {
-    {'A', 11, 12, &kTwelveDigits, nullptr, 0}, {'B', 11, 12, &kUpcE, nullptr, 0},
-    {'D', 7, 8, &kEan8, nullptr, 0},           {'C', 12, 13, &kTwelveDigits, nullptr, 0},
-    {'D', 7, 8, &kEan8, nullptr, 0},           {'C', 12, 13, &kTwelveDigits, nullptr, 0},
-    {'F', 0, 28, nullptr, &kItf, 0, true},     {'G', 0, 22, nullptr, &kCodabar, 0},
-    {'E', 0, 15, nullptr, &kCode39, 2},        {'H', 0, 22, nullptr, &kCode93, 2},
-    {'I', 0, kNoLimit, nullptr, &kCode128, 0},
+    {11, 12, &kTwelveDigits, nullptr, 0, 'A'}, {11, 12, &kUpcE, nullptr, 0, 'B'},
+    {7, 8, &kEan8, nullptr, 0, 'D'},           {12, 13, &kTwelveDigits, nullptr, 0, 'C'},
+    {7, 8, &kEan8, nullptr, 0, 'D'},           {12, 13, &kTwelveDigits, nullptr, 0, 'C'},
+    {0, 28, nullptr, &kItf, 0, 'F', true},     {0, 22, nullptr, &kCodabar, 0, 'G'},
+    {0, 15, nullptr, &kCode39, 2, 'E'},        {0, 22, nullptr, &kCode93, 2, 'H'},
+    {0, kNoLimit, nullptr, &kCode128, 0, 'I'},
 };
 static_assert(std::size(kSymbologies) == TZV_BARCODE_CODE128 - TZV_BARCODE_UPCA + 1);
 

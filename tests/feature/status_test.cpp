@@ -68,10 +68,8 @@ class OpenWait : public ScriptedTest, public testing::WithParamInterface<Wait> {
 // reads with 100 ms after each. Parallel: 10 ms, and reads that do not wait. USB: 200 ms before
 // each read.
 INSTANTIATE_TEST_SUITE_P(links, OpenWait,
-                         testing::Values(Wait{"serial", 500 + 2 * 20, 500 + 20 + 4 * 300},
-                                         Wait{"parallel", 2 * 10, 10 + 4 * 100},
-                                         Wait{"usb", 2 * 200, 4 * 300},
-                                         Wait{"network", 0, 4 * 100}),
+                         testing::Values(Wait{"serial", 540, 1720}, Wait{"parallel", 20, 410},
+                                         Wait{"usb", 400, 1200}, Wait{"network", 0, 400}),
                          [](const auto& tested) { return tested.param.link; });
 
 TEST_P(OpenWait, is_the_links_own) {

@@ -107,7 +107,7 @@ TEST_P(Transaction, the_request_goes_out_three_times_before_4_is_returned) {
   EXPECT_THAT(printer.writes,
               ElementsAre(kInitialise + kProcessIdRequest, kProcessIdRequest, kProcessIdRequest));
   // Each time 51 polls of 20 ms.
-  EXPECT_EQ(kernel.now_ms() - started, 3 * (51 * 20 + link.pause_after_write));
+  EXPECT_EQ(kernel.now_ms() - started, 3 * (int64_t{51} * 20 + link.pause_after_write));
   EXPECT_EQ(*state.bSleepFlag, 0);
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t kSize = 50 * 4096;
+constexpr std::size_t kSize = 50UL * 4096;
 char variable[kSize];
 
 /// Writes everywhere, clears a part, and looks at every byte.
