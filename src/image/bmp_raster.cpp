@@ -8,11 +8,6 @@
 
 namespace {
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
 /// Below this offset of the pixels there is no room for the headers.
 constexpr std::uint32_t kSmallestOffset = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "image/memory.h"
+#include "dispatch/for_one_call.h"
 
 /// Bytes reserved ahead of the data, so that a command can stand in front without a copy.
 inline constexpr std::size_t startDataLen = 4;

@@ -27,19 +27,11 @@ bool getOnlineStatus(int descriptor) {
   return got != -1 && (lines & kOnline) == kOnline;
 }
 
-long write_once(int descriptor, std::string_view bytes) {
-  return retry_interrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
-}
-
 /// The count written; 0 when the printer is not online or takes nothing.
 std::size_t write_when_online(PortHandle port, std::string_view bytes) {
   const ParallelTurn descriptor(port);
   if (!getOnlineStatus(descriptor)) return 0;
   return static_cast<std::size_t>(std::max(write_once(descriptor, bytes), 0L));
-}
-
-long read_once(int descriptor, std::span<char> buffer) {
-  return retry_interrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
 }
 
 }  // namespace

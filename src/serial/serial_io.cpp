@@ -41,8 +41,7 @@ struct Written {
 /// Writes once and waits until it is on the line; busy when the line takes nothing now.
 Written write_and_drain(PortHandle port, std::string_view bytes) {
   const SerialPorts::Use descriptor(port);
-  const ssize_t count =
-      retry_interrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
+  const long count = write_once(descriptor, bytes);
   if (count == -1) return {errno == EAGAIN ? Line::busy : Line::failed, 0};
   if (retry_interrupted([&] { return tcdrain(descriptor); }) == -1) return {Line::failed, 0};
   return {Line::ready, static_cast<std::size_t>(count)};
@@ -102,7 +101,7 @@ long SerialWritePort(PortHandle port, std::string_view bytes) {
 void SerialWriteNow(PortHandle port, std::string_view bytes) {
   const SerialPorts::Use descriptor(port);
   // Whether it arrived shows in the answer, or in its absence.
-  (void)retry_interrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
+  (void)write_once(descriptor, bytes);
 }
 
 long SerialReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience patience) {
@@ -116,5 +115,5 @@ long SerialReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience pat
 
 long SerialPoll(PortHandle port, std::span<char> buffer) {
   const SerialPorts::Use descriptor(port);
-  return retry_interrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
+  return read_once(descriptor, buffer);
 }

@@ -9,13 +9,9 @@ constexpr std::size_t kPiece = 64;   // bytes, a packet of the printer class
 constexpr long kWriteBudget = 5000;  // milliseconds without progress
 constexpr long kPollPause = 20;      // milliseconds
 
-long write_once(PortHandle port, std::string_view bytes) {
+long write_piece(PortHandle port, std::string_view bytes) {
   const UsbPorts::Use node(port);
-  return retry_interrupted([&] { return write(node, bytes.data(), bytes.size()); });
-}
-
-long read_once(int node, std::span<char> buffer) {
-  return retry_interrupted([&] { return read(node, buffer.data(), buffer.size()); });
+  return write_once(node, bytes);
 }
 
 }  // namespace
@@ -24,7 +20,7 @@ long USBWritePort(PortHandle port, std::string_view bytes) {
   SilenceBudget budget(kWriteBudget);
   std::size_t written = 0;
   while (written < bytes.size() && !budget.exhausted()) {
-    const long count = write_once(port, first_of(rest_of(bytes, written), kPiece));
+    const long count = write_piece(port, first_of(rest_of(bytes, written), kPiece));
     if (count == -1) return kRefused;
     written += static_cast<std::size_t>(count);
     if (count > 0) {
@@ -39,7 +35,7 @@ long USBWritePort(PortHandle port, std::string_view bytes) {
 
 void USBWriteNow(PortHandle port, std::string_view bytes) {
   // Whether it arrived shows in the answer, or in its absence.
-  (void)write_once(port, bytes);
+  (void)write_piece(port, bytes);
 }
 
 long USBReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience patience) {

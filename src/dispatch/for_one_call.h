@@ -1,7 +1,8 @@
-// Memory for the length of one call.
+// Memory and files for the length of one call.
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -18,3 +19,9 @@ inline Bytes allocate(std::size_t size) {
   if (size > std::numeric_limits<std::int32_t>::max()) return nullptr;
   return Bytes(static_cast<std::uint8_t*>(std::malloc(size)));
 }
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, CloseFile>;
