@@ -66,7 +66,7 @@ Connection give_up_socket(int sock) {
 }  // namespace
 
 Connection connect_to(const NETPort& printer) {
-  const int sock = socket(AF_INET, SOCK_STREAM, 0);
+  const int sock = retry_interrupted([] { return socket(AF_INET, SOCK_STREAM, 0); });
   if (sock == -1) return {};
   // select() could not wait for it.
   if (!select_can_hold(sock)) return give_up_socket(sock);
@@ -76,7 +76,8 @@ Connection connect_to(const NETPort& printer) {
   if (connect(sock, reinterpret_cast<const sockaddr*>(&servAddr), sizeof servAddr) == 0) {
     return {.sock = sock, .at_once = true};
   }
-  if (errno != EINPROGRESS) {
+  // A signal does not end the attempt; it goes on as if it had not been waited for.
+  if (errno != EINPROGRESS && errno != EINTR) {
     set_blocking(sock, true, "valv != -1");
     return give_up_socket(sock);
   }

@@ -69,14 +69,15 @@ void set_raw(termios& line) {
 /// 0, or -2 when the line does not take the settings. What it took is remembered in the entry.
 long serConfigurePort(SerPort& entry, const SerPortSettings& settings) {
   termios line{};
-  if (tcgetattr(entry.port, &line) != 0) return kRefused;
+  if (retry_interrupted([&] { return tcgetattr(entry.port, &line); }) != 0) return kRefused;
   if (!set_speed(line, settings.baud)) return kRefused;
   set_parity(line, settings.parity);
   set_character(line, settings.dataBits, settings.stopBits);
   set_flow_control(line, settings.flowControl);
   set_raw(line);
-  if (tcflush(entry.port, TCIFLUSH) != 0) return kRefused;
-  if (tcsetattr(entry.port, TCSANOW, &line) != 0) return kRefused;
+  if (retry_interrupted([&] { return tcflush(entry.port, TCIFLUSH); }) != 0) return kRefused;
+  const auto apply = [&] { return tcsetattr(entry.port, TCSANOW, &line); };
+  if (retry_interrupted(apply) != 0) return kRefused;
   entry.originalPortSettings = settings;
   return 0;
 }

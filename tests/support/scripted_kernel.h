@@ -121,6 +121,13 @@ class Kernel {
   /// The `nth` next call of that name moves at most `bytes` bytes.
   void shorten(const std::string& name, std::size_t bytes, int nth = 1);
 
+  /// The same for the `nth` next system call of any name, but for those whose failure ends the
+  /// process (fcntl, pthread_create).
+  void fail_any(int error, int nth) { fail("", error, nth); }
+  void shorten_any(std::size_t bytes, int nth) { shorten("", bytes, nth); }
+  /// How many calls there were that `fail_any()` could have met.
+  int fallible_calls() const { return fallible_calls_; }
+
   /// Lets the test's own thread sleep, so that the others run.
   void run_for(int64_t ms) { sleep_us("test", ms * 1000); }
   /// How many threads the library has running.
@@ -168,10 +175,10 @@ class Kernel {
 
  private:
   struct Fault {
-    std::string name;
-    int countdown;
-    int error;  // 0: shorten
-    std::size_t at_most;
+    std::string name = {};  // empty: any
+    int countdown = 0;
+    int error = 0;                   // 0: none
+    std::size_t at_most = SIZE_MAX;  // bytes moved
   };
 
   /// What a descriptor stands for.
@@ -223,6 +230,7 @@ class Kernel {
   std::map<int, OpenFile> descriptors_;
   std::set<std::string> unplugged_;
   std::vector<Fault> faults_;
+  int fallible_calls_ = 0;
   std::multimap<int64_t, std::function<void()>> events_;
   std::vector<Call> calls_;
 };
