@@ -118,20 +118,30 @@ bool PtyPrinter::serve() {
 
 namespace {
 
-/// Listens on the address at that port, 0 for any; the port is stored back.
-int listen_on(in_addr_t host, in_port_t& number) {
-  const int listening = socket(AF_INET, SOCK_STREAM, 0);
-  const int on = 1;
-  setsockopt(listening, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+bool bind_to(int listening, in_addr_t host, in_port_t number) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(host);
   address.sin_port = htons(number);
-  EXPECT_EQ(bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  return bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+}
+
+/// Listens on the address at that port; 0: at one that is free, which is stored back. Not one of
+/// those that the system gives to outgoing connections: while nobody listens on it, a till's own
+/// connection could get it.
+int listen_on(in_addr_t host, in_port_t& number) {
+  constexpr int kFirst = 20000, kCount = 10000;
+  const int listening = socket(AF_INET, SOCK_STREAM, 0);
+  const int on = 1;
+  setsockopt(listening, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  bool bound = number != 0 && bind_to(listening, host, number);
+  for (int tries = 0; number == 0 && !bound && tries < kCount; ++tries) {
+    const auto candidate = static_cast<in_port_t>(kFirst + (getpid() + tries) % kCount);
+    bound = bind_to(listening, host, candidate);
+    if (bound) number = candidate;
+  }
+  EXPECT_TRUE(bound);
   EXPECT_EQ(listen(listening, 5), 0);
-  socklen_t size = sizeof address;
-  getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size);
-  number = ntohs(address.sin_port);
   return listening;
 }
 
