@@ -77,7 +77,8 @@ class FailingCalls : public testing::TestWithParam<std::tuple<Link, Operation>> 
     EXPECT_EQ(kernel.open_descriptors(), open ? 1U : 0U) << what;
     EXPECT_LE(kernel.threads(), 1U) << what;
     EXPECT_EQ(*link.state.bStopThread, 0) << what;
-    *link.state.bOffline = *link.state.TransactionPrint = 0;
+    *link.state.bOffline = 0;
+    *link.state.TransactionPrint = 0;
     if (!open) {
       EXPECT_EQ(OpenPort(port, link.settings.c_str()), 0) << what;
     }

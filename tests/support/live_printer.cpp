@@ -136,7 +136,7 @@ int listen_on(in_addr_t host, in_port_t& number) {
   setsockopt(listening, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   bool bound = number != 0 && bind_to(listening, host, number);
   for (int tries = 0; number == 0 && !bound && tries < kCount; ++tries) {
-    const auto candidate = static_cast<in_port_t>(kFirst + (getpid() + tries) % kCount);
+    const auto candidate = static_cast<in_port_t>(kFirst + (getpid() * 31 + tries) % kCount);
     bound = bind_to(listening, host, candidate);
     if (bound) number = candidate;
   }
