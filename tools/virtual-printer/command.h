@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <variant>
 
@@ -36,6 +37,30 @@ enum class CommandKind {
   kBeep,
   kSelfTest,  // argument: 1 or 2, which page
   kMarkQuery,
+  kModuleWidth,      // argument: dots
+  kBarHeight,        // argument: dots
+  kSymbolTextFont,   // argument: 0 font A, others B
+  kSymbolTextPlace,  // argument: 0 nowhere, 1 above the bars, 2 below
+  kLinearSymbol,     // data: symbology, count, as many bytes
+  kPdf417Columns,    // argument: 0 for as many as suit
+  kPdf417ModuleWidth,
+  kPrintPdf417,
+  kQrModel,  // argument: a digit
+  kQrModuleSize,
+  kQrErrorCorrection,  // argument: a digit, 0 to 3
+  kPrintQrCode,
+  kStoreSymbol,      // data: count, class, function, "0", the symbol's data
+  kDownloadImage,    // data: bytes across, bands, columns
+  kPrintDownloaded,  // argument: bits, 1 double width, 2 double height
+  kStoreImages,      // data: how many; of each its bytes across, bands, columns
+  kPrintStored,      // data: number, bits as for a downloaded one
+  kEraseImages,
+  kPageMode,
+  kPrintPage,
+  kStandardMode,
+  kPositionX,  // data: dots
+  kPositionY,  // data: dots
+  kFirmware,   // data: region, size, two zeros, the region's bytes, checksum
   kFramedJob,  // data: the job
   kNotice,     // data: a line of the printer's own; nothing that a till sends means this
 };
@@ -62,6 +87,11 @@ struct RefusedFrame {
   std::string reason;
 
   bool operator==(const RefusedFrame&) const = default;
+};
+
+// Why the printer does not print what a command asks for, although it knows the command.
+struct Refused : std::runtime_error {
+  using runtime_error::runtime_error;
 };
 
 using Decoded = std::variant<Command, UnknownBytes, RefusedFrame>;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "command_argument.h"
 #include "frame.h"
 
 namespace virtual_printer {
@@ -19,29 +20,18 @@ constexpr char kFileSeparator = '\x1c';
 constexpr char kDelete = '\x7f';
 constexpr char kSpace = ' ';
 
-enum class ArgumentRule {
-  kNone,
-  // One byte.
-  kAny,
-  kSwitch,
-  kLevel,
-  kStatusNumber,
-  // A block of data.
-  kPulse,       // connector, time on, time off
-  kIdentifier,  // four bytes
-  kCounted,     // a count, as many bytes that begin with "_", a checksum
-};
-
 struct CommandRow {
   std::string_view bytes;
   CommandKind kind;
   ArgumentRule rule;
   std::uint8_t argument = 0;  // of a row whose bytes say it
+  std::uint8_t lowest = 0;    // of a byte between two others
+  std::uint8_t highest = 0;
 };
 
 // One row per command; its meaning is in printer.cpp (queries and the like) or typesetter.cpp
 // (print). Frames alone are read elsewhere, because no count of bytes ends them.
-// No row begins with another whole row, so the first match is the only one.
+// Where a row begins with another whole row, it stands above that, and the first match counts.
 // clang-format off
 constexpr std::array kCommandRows{
     CommandRow{"\n",          CommandKind::kLineFeed,           ArgumentRule::kNone},
@@ -70,6 +60,30 @@ constexpr std::array kCommandRows{
     CommandRow{"\x1dID",      CommandKind::kVersionQuery,       ArgumentRule::kNone},
     CommandRow{"\x1d#",       CommandKind::kStoreSerialNumber,  ArgumentRule::kCounted},
     CommandRow{"\x1d(H\6\0" "00"sv, CommandKind::kProcessId,   ArgumentRule::kIdentifier},
+    CommandRow{"\x1dw",       CommandKind::kModuleWidth,        ArgumentRule::kBetween, 0, 1, 6},
+    CommandRow{"\x1dh",       CommandKind::kBarHeight,          ArgumentRule::kBetween, 0, 1, 255},
+    CommandRow{"\x1d" "f",    CommandKind::kSymbolTextFont,     ArgumentRule::kLevel},
+    CommandRow{"\x1dH",       CommandKind::kSymbolTextPlace,    ArgumentRule::kLevel},
+    CommandRow{"\x1dk",       CommandKind::kLinearSymbol,       ArgumentRule::kLinearSymbol},
+    CommandRow{"\x1d(k\3\0" "0A"sv, CommandKind::kPdf417Columns,     ArgumentRule::kBetween, 0, 0, 30},
+    CommandRow{"\x1d(k\3\0" "0C"sv, CommandKind::kPdf417ModuleWidth, ArgumentRule::kBetween, 0, 1, 8},
+    CommandRow{"\x1d(k\3\0" "0Q0"sv, CommandKind::kPrintPdf417,      ArgumentRule::kNone},
+    CommandRow{"\x1d(k\3\0" "1A"sv, CommandKind::kQrModel,           ArgumentRule::kAny},
+    CommandRow{"\x1d(k\3\0" "1C"sv, CommandKind::kQrModuleSize,      ArgumentRule::kBetween, 0, 1, 16},
+    CommandRow{"\x1d(k\3\0" "1E"sv, CommandKind::kQrErrorCorrection, ArgumentRule::kBetween, 0, '0', '3'},
+    CommandRow{"\x1d(k\3\0" "1Q0"sv, CommandKind::kPrintQrCode,      ArgumentRule::kNone},
+    CommandRow{"\x1d(k",      CommandKind::kStoreSymbol,        ArgumentRule::kSymbolData},
+    CommandRow{"\x1d*",       CommandKind::kDownloadImage,      ArgumentRule::kImage},
+    CommandRow{"\x1d/",       CommandKind::kPrintDownloaded,    ArgumentRule::kTwoBits},
+    CommandRow{"\x1cq",       CommandKind::kStoreImages,        ArgumentRule::kImages},
+    CommandRow{"\x1cp",       CommandKind::kPrintStored,        ArgumentRule::kImageNumber},
+    CommandRow{"\x1c" "e",    CommandKind::kEraseImages,        ArgumentRule::kNone},
+    CommandRow{"\x1bL",       CommandKind::kPageMode,           ArgumentRule::kNone},
+    CommandRow{"\x1b\f",      CommandKind::kPrintPage,          ArgumentRule::kNone},
+    CommandRow{"\x1bS",       CommandKind::kStandardMode,       ArgumentRule::kNone},
+    CommandRow{"\x1d}X",      CommandKind::kPositionX,          ArgumentRule::kPosition},
+    CommandRow{"\x1d}Y",      CommandKind::kPositionY,          ArgumentRule::kPosition},
+    CommandRow{"\x1d~",       CommandKind::kFirmware,           ArgumentRule::kFirmware},
     CommandRow{"\x10\x04",    CommandKind::kRealTimeStatus,     ArgumentRule::kStatusNumber},
 };
 // clang-format on
@@ -79,70 +93,19 @@ bool is_printable(char byte) {
   return value >= static_cast<unsigned char>(kSpace) && byte != kDelete;
 }
 
-// Programs send small numbers as the value or as its digit; both mean the same.
-std::uint8_t without_digit(char byte) {
-  const auto value = static_cast<std::uint8_t>(byte);
-  return byte >= '0' && byte <= '9' ? static_cast<std::uint8_t>(value - '0') : value;
-}
-
-std::optional<std::uint8_t> accepted_byte(ArgumentRule rule, char byte) {
-  const std::uint8_t number = without_digit(byte);
-  switch (rule) {
-    case ArgumentRule::kSwitch:
-      return number <= 1 ? std::optional(number) : std::nullopt;
-    case ArgumentRule::kLevel:
-      return number <= 2 ? std::optional(number) : std::nullopt;
-    case ArgumentRule::kStatusNumber:
-      return byte >= 1 && byte <= 4 ? std::optional(number) : std::nullopt;
-    default:
-      return static_cast<std::uint8_t>(byte);
-  }
-}
-
-bool is_block(ArgumentRule rule) {
-  return rule == ArgumentRule::kPulse || rule == ArgumentRule::kIdentifier ||
-         rule == ArgumentRule::kCounted;
-}
-
-bool is_accepted_block(ArgumentRule rule, std::string_view data) {
-  if (rule == ArgumentRule::kPulse) return without_digit(data.front()) <= 1;
-  if (rule == ArgumentRule::kCounted) return data.front() != 0 && data[1] == '_';
-  return true;
-}
-
-// How many bytes the argument takes, as far as those that have come tell it. Of a counted block
-// that is wrong at its beginning, no more is waited for.
-std::size_t length_of_argument(ArgumentRule rule, std::string_view data) {
-  constexpr std::size_t kShortestBlock = 2;
-  switch (rule) {
-    case ArgumentRule::kNone:
-      return 0;
-    case ArgumentRule::kPulse:
-      return 3;
-    case ArgumentRule::kIdentifier:
-      return 4;
-    case ArgumentRule::kCounted:
-      if (data.size() < kShortestBlock || !is_accepted_block(rule, data)) return kShortestBlock;
-      return static_cast<unsigned char>(data.front()) + std::size_t{2};
-    default:
-      return 1;
-  }
-}
-
 bool agrees_so_far(const CommandRow& row, std::string_view rest) {
   const std::size_t common = std::min(row.bytes.size(), rest.size());
   return row.bytes.substr(0, common) == rest.substr(0, common);
 }
 
-std::optional<Command> completed(const CommandRow& row, std::string_view data) {
+std::optional<Command> completed(const CommandRow& row, std::string_view argument) {
   if (row.rule == ArgumentRule::kNone) return Command{row.kind, row.argument};
-  if (is_block(row.rule)) {
-    if (!is_accepted_block(row.rule, data)) return std::nullopt;
-    return Command{row.kind, 0, std::string(data)};
-  }
-  const auto argument = accepted_byte(row.rule, data.front());
-  if (!argument) return std::nullopt;
-  return Command{row.kind, *argument};
+  if (is_block(row.rule)) return Command{row.kind, 0, std::string(argument)};
+  const auto byte = row.rule == ArgumentRule::kBetween
+                        ? byte_between(row.lowest, row.highest, argument.front())
+                        : accepted_byte(row.rule, argument.front());
+  if (!byte) return std::nullopt;
+  return Command{row.kind, *byte};
 }
 
 bool opens_command(char byte) {
@@ -188,12 +151,15 @@ std::optional<Step> next_step(std::string_view rest, std::size_t offset, Expecta
   for (const CommandRow& row : kCommandRows) {
     if (!agrees_so_far(row, rest)) continue;
     const std::string_view after = rest.substr(std::min(rest.size(), row.bytes.size()));
-    const std::size_t argument = length_of_argument(row.rule, after);
-    if (rest.size() >= row.bytes.size() + argument) {
-      const auto command = completed(row, after.substr(0, argument));
-      if (command) return Step{row.bytes.size() + argument, *command};
+    const auto argument = length_of_argument(row.rule, after);
+    if (!argument) continue;
+    if (rest.size() >= row.bytes.size() + *argument) {
+      const auto command = completed(row, after.substr(0, *argument));
+      if (command) return Step{row.bytes.size() + *argument, *command};
     } else if (more_may_come) {
       return std::nullopt;
+    } else if (rest.size() > row.bytes.size() && is_long(row.rule)) {
+      return Step{rest.size(), UnknownBytes{offset, std::string(rest)}};
     }
   }
   if (opens_command(rest.front()) && rest.size() == 1 && more_may_come) return std::nullopt;

@@ -18,6 +18,13 @@ class DotImage {
 
   bool ink(int x, int y) const { return ink_[index(x, y)]; }
   void set_ink(int x, int y) { ink_[index(x, y)] = true; }
+  void fill(int left, int top, int width, int height) {
+    for (int y = top; y < top + height; ++y) {
+      for (int x = left; x < left + width; ++x) set_ink(x, y);
+    }
+  }
+
+  bool operator==(const DotImage&) const = default;
 
  private:
   std::size_t index(int x, int y) const {

@@ -44,8 +44,7 @@ class LineCanvas {
   LineCanvas(GlyphShapes& glyphs, const Line& line)
       : glyphs_(glyphs),
         line_(line),
-        surface_(
-            cairo_image_surface_create(CAIRO_FORMAT_A8, kPaperDots, line.ascent + line.descent)),
+        surface_(cairo_image_surface_create(CAIRO_FORMAT_A8, kPaperDots, line.height())),
         context_(cairo_create(surface_.get())) {}
 
   void draw() {
@@ -56,7 +55,7 @@ class LineCanvas {
   void copy_to(DotImage& image, int top) const {
     const unsigned char* row = cairo_image_surface_get_data(surface_.get());
     const int stride = cairo_image_surface_get_stride(surface_.get());
-    for (int y = 0; y < line_.ascent + line_.descent; ++y, row += stride) {
+    for (int y = 0; y < line_.height(); ++y, row += stride) {
       for (int x = 0; x < kPaperDots; ++x) {
         if (row[x] >= kHalfCovered) image.set_ink(x, top + y);
       }
@@ -116,6 +115,17 @@ class LineCanvas {
   std::unique_ptr<cairo_t, ContextDeleter> context_;
 };
 
+// What lies beyond the paper's right edge is lost.
+void draw_picture(const Picture& picture, DotImage& image, int line_top) {
+  const int left = nearest_dot(picture.left);
+  const int width = std::min(picture.dots.width(), image.width() - left);
+  for (int y = 0; y < picture.dots.height(); ++y) {
+    for (int x = 0; x < width; ++x) {
+      if (picture.dots.ink(x, y)) image.set_ink(left + x, line_top + picture.top + y);
+    }
+  }
+}
+
 }  // namespace
 
 DotImage draw(const Receipt& receipt) {
@@ -123,10 +133,12 @@ DotImage draw(const Receipt& receipt) {
   DotImage image(kPaperDots, length + 2 * kPaperMarginDots);
   GlyphShapes glyphs;
   for (const Line& line : receipt.lines) {
+    const int top = kPaperMarginDots + line.top / kHalfDotsPerDot;
+    if (line.picture) draw_picture(*line.picture, image, top);
     if (line.cells.empty()) continue;
     LineCanvas canvas(glyphs, line);
     canvas.draw();
-    canvas.copy_to(image, kPaperMarginDots + line.top / kHalfDotsPerDot);
+    canvas.copy_to(image, top);
   }
   return image;
 }

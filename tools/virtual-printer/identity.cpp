@@ -16,11 +16,6 @@ static_assert(kModel.size() == 7);
 // Before the number stand its count and the mark.
 constexpr std::size_t kNumberOffset = 2;
 
-char exclusive_or(std::string_view bytes) {
-  return static_cast<char>(std::accumulate(bytes.begin(), bytes.end(), 0,
-                                           [](int sum, char byte) { return sum ^ byte; }));
-}
-
 // Every character that prints, 32 to the line.
 std::string character_table() {
   std::string table;
@@ -41,11 +36,25 @@ std::string serial_number_reply(const Identity& identity) {
   return std::string(kMark) + identity.serial_number;
 }
 
-std::string store_serial_number(std::string_view content, Identity& identity) {
+std::string serial_number_content(const Identity& identity) {
+  const std::string summed = serial_number_reply(identity);
+  return static_cast<char>(summed.size()) + summed + exclusive_or(summed);
+}
+
+bool store_serial_number(std::string_view content, Identity& identity) {
   const std::string_view summed = content.substr(1, content.size() - 2);
-  if (exclusive_or(summed) != content.back()) return std::string(kNotStored);
+  if (exclusive_or(summed) != content.back()) return false;
   identity.serial_number = content.substr(kNumberOffset, content.size() - kNumberOffset - 1);
-  return std::string(kStored);
+  return true;
+}
+
+std::string acknowledgement(bool stored) {
+  return std::string(stored ? kStored : kNotStored);
+}
+
+char exclusive_or(std::string_view bytes) {
+  return static_cast<char>(std::accumulate(bytes.begin(), bytes.end(), 0,
+                                           [](int sum, char byte) { return sum ^ byte; }));
 }
 
 // It begins with an initialise, lest the till's settings disfigure it, and ends with a cut.

@@ -100,7 +100,7 @@ int serve(const Options& options) {
   } else {
     status = service.run(options.command, environment_of_command(*link));
   }
-  return options.strict && service.met_unknown_bytes() ? kUnknownBytesMet : status;
+  return options.strict && !service.met_only_known_bytes() ? kUnknownBytesMet : status;
 }
 
 int request(const Options& options) {

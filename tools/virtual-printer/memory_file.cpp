@@ -7,26 +7,25 @@
 
 namespace virtual_printer {
 
-Identity open_memory(const std::string& path) {
-  Identity identity;
-  if (path.empty()) return identity;
+Memory open_memory(const std::string& path) {
+  if (path.empty()) return {};
   if (!std::filesystem::exists(path)) {
-    write_memory(path, identity.serial_number);
-    return identity;
+    write_memory(path, {});
+    return {};
   }
   std::ifstream file(path, std::ios::binary);
-  identity.serial_number.assign(std::istreambuf_iterator<char>(file), {});
-  if (!file || identity.serial_number.size() > kLongestSerialNumber) {
-    throw std::runtime_error("cannot read a serial number from " + path);
-  }
-  return identity;
+  const std::string content(std::istreambuf_iterator<char>(file), {});
+  auto memory = memory_after(content);
+  if (!file || !memory) throw std::runtime_error(path + " is no memory of a printer");
+  return *std::move(memory);
 }
 
-void write_memory(const std::string& path, const std::string& serial_number) {
+void write_memory(const std::string& path, const Memory& memory) {
   if (path.empty()) return;
   const std::string fresh = path + ".new";
+  const std::string content = commands_for(memory);
   std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-  file.write(serial_number.data(), static_cast<std::streamsize>(serial_number.size()));
+  file.write(content.data(), static_cast<std::streamsize>(content.size()));
   file.close();
   if (!file) throw std::runtime_error("cannot write " + fresh);
   std::filesystem::rename(fresh, path);

@@ -71,12 +71,13 @@ void describe_files(CLI::App& app, Options& options) {
   app.add_option("--output", options.service.output_folder, "Folder for the receipts")
       ->option_text("DIR")
       ->capture_default_str();
-  app.add_option("--memory", options.service.memory_file, "File that keeps the serial number")
+  app.add_option("--memory", options.service.memory_file,
+                 "File that keeps the serial number and stored images")
       ->option_text("FILE");
   app.add_option("--record", options.service.record_file, "File for all bytes that arrive")
       ->option_text("FILE");
   app.add_flag("--strict", options.strict,
-               "Exit status 3 if unknown bytes or frames that were refused came");
+               "Exit status 3 if unknown bytes came, or something was refused");
 }
 
 void describe_conditions(CLI::App& app, ServiceOptions& service) {

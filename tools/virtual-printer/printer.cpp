@@ -6,6 +6,9 @@
 #include <variant>
 #include <vector>
 
+#include "bit_image.h"
+#include "command_argument.h"
+#include "firmware.h"
 #include "frame.h"
 #include "printer_status.h"
 
@@ -46,7 +49,10 @@ void Printer::connection_has_ended() {
 
 void Printer::finish() {
   decode(Expectation::kNothing);
-  if (!conditions_.stop_printing()) typesetter_.print_open_line();
+  if (!conditions_.stop_printing()) {
+    typesetter_.print_open_line();
+    report_forgotten();
+  }
   if (typesetter_.has_ink()) deliver(PaperEnd::kUncut);
 }
 
@@ -148,9 +154,15 @@ void Printer::carry_out(const Command& command) {
     case CommandKind::kVersionQuery:
       return listener_.answer(version_reply());
     case CommandKind::kSerialNumberQuery:
-      return listener_.answer(serial_number_reply(identity_));
+      return listener_.answer(serial_number_reply(memory_.identity));
     case CommandKind::kStoreSerialNumber:
-      return store(command.data);
+      return store_serial_number(command.data);
+    case CommandKind::kStoreImages:
+      return store_images(command.data);
+    case CommandKind::kEraseImages:
+      return store_images(Memory().images);
+    case CommandKind::kFirmware:
+      return check_firmware(command.data);
     case CommandKind::kDrawerPulse:
       return change(Condition::kDrawerOpen, true);
     case CommandKind::kBeep:
@@ -163,10 +175,14 @@ void Printer::carry_out(const Command& command) {
 }
 
 void Printer::print(const Command& command) {
-  if (command.kind == CommandKind::kInitialize && typesetter_.open_characters() > 0) {
-    listener_.report_forgotten(typesetter_.open_characters());
+  const bool forgets =
+      command.kind == CommandKind::kInitialize || command.kind == CommandKind::kStandardMode;
+  if (forgets) report_forgotten();
+  try {
+    set_in_type(command);
+  } catch (const Refused& refused) {
+    listener_.report_refused(refused);
   }
-  typesetter_.execute(command);
   if (is_cut(command.kind)) {
     if (typesetter_.has_fed()) deliver(PaperEnd::kCut);
   } else if (typesetter_.length() > kLongestPiece) {
@@ -174,20 +190,48 @@ void Printer::print(const Command& command) {
   }
 }
 
+void Printer::set_in_type(const Command& command) {
+  if (command.kind == CommandKind::kPrintStored) return print_stored(command);
+  typesetter_.execute(command);
+}
+
+void Printer::print_stored(const Command& command) {
+  const auto number = static_cast<unsigned char>(command.data[0]);
+  const std::string name = "stored picture " + std::to_string(number);
+  const auto image = image_in(memory_.images, number);
+  if (!image) throw Refused(name + ": there is none");
+  typesetter_.print_picture(enlarged(*image, without_digit(command.data[1])), name + ',');
+}
+
+void Printer::report_forgotten() {
+  if (typesetter_.unprinted() > 0) listener_.report_forgotten(typesetter_.unprinted());
+}
+
 // The page goes before all that is held; a fault in its middle holds back its rest like any job's.
 void Printer::start_self_test(int page) {
   typesetter_.print_open_line();
   CommandParser parser;
-  parser.feed(self_test_page(page, identity_));
+  parser.feed(self_test_page(page, memory_.identity));
   std::vector<Held> commands;
   while (auto decoded = parser.next()) commands.push_back({std::move(*decoded), 0});
   held_.insert(held_.begin(), commands.begin(), commands.end());
 }
 
-void Printer::store(const std::string& content) {
-  const std::string acknowledgement = store_serial_number(content, identity_);
-  listener_.store_serial_number(identity_.serial_number);
-  listener_.answer(acknowledgement);
+void Printer::store_serial_number(const std::string& content) {
+  const bool stored = virtual_printer::store_serial_number(content, memory_.identity);
+  if (stored) listener_.remember(memory_);
+  listener_.answer(acknowledgement(stored));
+}
+
+void Printer::store_images(const std::string& images) {
+  memory_.images = images;
+  listener_.remember(memory_);
+}
+
+void Printer::check_firmware(const std::string& block) {
+  const FirmwareCheck check = virtual_printer::check_firmware(block);
+  listener_.report_firmware(check.words);
+  if (!check.good) listener_.report_refused(Refused(check.words));
 }
 
 void Printer::deliver(PaperEnd end) {

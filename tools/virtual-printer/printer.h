@@ -11,7 +11,7 @@
 #include "command.h"
 #include "command_parser.h"
 #include "conditions.h"
-#include "identity.h"
+#include "memory.h"
 #include "receipt.h"
 #include "typesetter.h"
 
@@ -32,19 +32,22 @@ class PrinterListener {
   virtual void beep() = 0;
   virtual void report_unknown(const UnknownBytes& unknown) = 0;
   virtual void report_refused(const RefusedFrame& frame) = 0;
-  // An initialise command made the printer forget text that no line feed had printed.
+  // What the printer knows how to print, but not with that data.
+  virtual void report_refused(const Refused& content) = 0;
+  // Text that no line feed had printed, or a page that was left before it was printed.
   virtual void report_forgotten(std::size_t characters) = 0;
   // A connection ended within a command or a frame.
   virtual void report_cut_off(std::size_t bytes) = 0;
   virtual void report_condition(Condition condition, bool on) = 0;
-  virtual void store_serial_number(const std::string& number) = 0;
+  virtual void report_firmware(const std::string& words) = 0;
+  virtual void remember(const Memory& memory) = 0;
   virtual void deliver(const Receipt& receipt, PaperEnd end) = 0;
 };
 
 class Printer {
  public:
-  explicit Printer(PrinterListener& listener, Identity identity = {})
-      : listener_(listener), identity_(std::move(identity)) {}
+  explicit Printer(PrinterListener& listener, Memory memory = {})
+      : listener_(listener), memory_(std::move(memory)) {}
 
   // What is obeyed on arrival is obeyed; the rest is printed, or held while a condition stops
   // printing.
@@ -92,8 +95,13 @@ class Printer {
   void carry_out(const Decoded& decoded);
   void carry_out(const Command& command);
   void print(const Command& command);
+  void set_in_type(const Command& command);
+  void report_forgotten();
   void start_self_test(int page);
-  void store(const std::string& content);
+  void store_serial_number(const std::string& content);
+  void store_images(const std::string& images);
+  void print_stored(const Command& command);
+  void check_firmware(const std::string& block);
   void deliver(PaperEnd end);
 
   void change(Condition condition, bool on);
@@ -101,7 +109,7 @@ class Printer {
   void let_fault_set_in();
 
   PrinterListener& listener_;
-  Identity identity_;
+  Memory memory_;
   CommandParser parser_;
   std::deque<Held> held_;  // in the order in which it is to be printed
   std::size_t held_bytes_ = 0;

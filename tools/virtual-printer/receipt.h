@@ -1,8 +1,12 @@
-// Printed paper, before it is drawn: lines of styled cells at exact positions.
+// Printed paper, before it is drawn: lines of styled cells and pictures at exact positions.
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
+
+#include "dot_image.h"
 
 namespace virtual_printer {
 
@@ -14,6 +18,9 @@ inline constexpr int kPaperUnits = kPaperDots * kUnitsPerDot;
 
 // Vertical positions count half dots, the unit of the line spacing command.
 inline constexpr int kHalfDotsPerDot = 2;
+
+// No page and no picture is longer, in dots.
+inline constexpr int kLongestPage = 2304;
 
 enum class Font : std::uint8_t { kA, kB };
 enum class Alignment : std::uint8_t { kLeft, kCentre, kRight };
@@ -56,11 +63,23 @@ struct Cell {
   int descent() const { return metrics_of(style.font).descent_dots * style.height_factor; }
 };
 
+// Dots that stand on a line as they are, be they a symbol's or a picture's.
+struct Picture {
+  DotImage dots;
+  std::string caption;  // what it is, for people
+  int left = 0;         // units from the paper's left edge
+  int top = 0;          // dots from the line's top
+};
+
 struct Line {
   std::vector<Cell> cells;
+  std::optional<Picture> picture;
   int top = 0;      // half dots from the paper's top edge
-  int ascent = 0;   // dots, of the tallest cell
-  int descent = 0;  // dots, of the tallest cell
+  int ascent = 0;   // dots above the baseline of the cells, up to the tallest content's top
+  int descent = 0;  // dots below it
+
+  bool is_blank() const { return cells.empty() && !picture; }
+  int height() const { return ascent + descent; }
 };
 
 struct Receipt {

@@ -46,13 +46,16 @@ std::ofstream open_record(const std::string& path) {
   return file;
 }
 
+// Of long data its beginning says what it was.
 std::string hex_of(std::string_view bytes) {
+  constexpr std::size_t kMostShown = 32;
   std::string text;
-  for (const char byte : bytes) {
+  for (const char byte : bytes.substr(0, kMostShown)) {
     std::array<char, 4> hex{};
     std::snprintf(hex.data(), hex.size(), " %02X", static_cast<unsigned char>(byte));
     text += hex.data();
   }
+  if (bytes.size() > kMostShown) text += " ... " + std::to_string(bytes.size()) + " bytes";
   return text;
 }
 
@@ -205,7 +208,8 @@ std::string Service::status() const {
   count("receipts", receipt_count_);
   count("lines", printer_.printed_lines());
   count("unknown bytes", unknown_bytes_);
-  count("refused frames", refused_count_);
+  count("refused frames", refused_frames_);
+  count("refused content", refused_content_);
   count("bytes held", printer_.held_bytes());
   return text;
 }
@@ -265,7 +269,8 @@ void Service::finish() {
     std::fprintf(stderr, "bytes held back, never printed: %zu\n", printer_.held_bytes());
   }
   if (unknown_count_ > 0) std::fprintf(stderr, "unknown commands in all: %zu\n", unknown_count_);
-  if (refused_count_ > 0) std::fprintf(stderr, "refused frames in all: %zu\n", refused_count_);
+  if (refused_frames_ > 0) std::fprintf(stderr, "refused frames in all: %zu\n", refused_frames_);
+  if (refused_content_ > 0) std::fprintf(stderr, "refused content in all: %zu\n", refused_content_);
 }
 
 void Service::answer(std::string_view bytes) {
@@ -295,12 +300,17 @@ void Service::report_unknown(const UnknownBytes& unknown) {
 }
 
 void Service::report_refused(const RefusedFrame& frame) {
-  ++refused_count_;
+  ++refused_frames_;
   std::fprintf(stderr, "frame refused at %zu: %s\n", frame.offset, frame.reason.c_str());
 }
 
+void Service::report_refused(const Refused& content) {
+  ++refused_content_;
+  std::fprintf(stderr, "refused: %s\n", content.what());
+}
+
 void Service::report_forgotten(std::size_t characters) {
-  std::fprintf(stderr, "initialise before a line feed: %zu characters not printed\n", characters);
+  std::fprintf(stderr, "forgotten before it was printed: %zu characters\n", characters);
 }
 
 void Service::report_cut_off(std::size_t bytes) {
@@ -321,8 +331,12 @@ void Service::report_condition(Condition condition, bool on) {
   }
 }
 
-void Service::store_serial_number(const std::string& number) {
-  write_memory(options_.memory_file, number);
+void Service::report_firmware(const std::string& words) {
+  say(words);
+}
+
+void Service::remember(const Memory& memory) {
+  write_memory(options_.memory_file, memory);
 }
 
 void Service::deliver(const Receipt& receipt, PaperEnd end) {

@@ -22,7 +22,7 @@ namespace virtual_printer {
 
 struct ServiceOptions {
   std::string output_folder = ".";
-  std::string memory_file;  // empty: the serial number lives as long as the process
+  std::string memory_file;  // empty: the memory lives as long as the process
   std::string record_file;  // empty: what arrives is not recorded
   std::optional<ScriptedFault> fault;
   std::optional<std::chrono::milliseconds> recovery;  // from the fault on
@@ -41,17 +41,22 @@ class Service : private PrinterListener {
   // Signals to end are passed on to the command.
   int run(const std::vector<std::string>& command, const Environment& environment);
 
-  bool met_unknown_bytes() const { return unknown_count_ > 0 || refused_count_ > 0; }
+  // Whether all that came was understood and done.
+  bool met_only_known_bytes() const {
+    return unknown_count_ == 0 && refused_frames_ == 0 && refused_content_ == 0;
+  }
 
  private:
   void answer(std::string_view bytes) override;
   void beep() override;
   void report_unknown(const UnknownBytes& unknown) override;
   void report_refused(const RefusedFrame& frame) override;
+  void report_refused(const Refused& content) override;
   void report_forgotten(std::size_t characters) override;
   void report_cut_off(std::size_t bytes) override;
   void report_condition(Condition condition, bool on) override;
-  void store_serial_number(const std::string& number) override;
+  void report_firmware(const std::string& words) override;
+  void remember(const Memory& memory) override;
   void deliver(const Receipt& receipt, PaperEnd end) override;
 
   void power_up();
@@ -88,7 +93,8 @@ class Service : private PrinterListener {
   std::optional<Clock::time_point> next_read_due_;  // of a slow line
   std::size_t unknown_count_ = 0;                   // reports
   std::size_t unknown_bytes_ = 0;
-  std::size_t refused_count_ = 0;
+  std::size_t refused_frames_ = 0;
+  std::size_t refused_content_ = 0;
   std::size_t receipt_count_ = 0;
 };
 

@@ -7,14 +7,22 @@
 namespace virtual_printer {
 namespace {
 
-std::string text_of(const Line& line) {
-  if (line.cells.empty()) return {};
-  const bool all_font_b = std::all_of(line.cells.begin(), line.cells.end(),
+std::string text_of_cells(const std::vector<Cell>& cells) {
+  const bool all_font_b = std::all_of(cells.begin(), cells.end(),
                                       [](const Cell& cell) { return cell.style.font == Font::kB; });
   const int column = all_font_b ? kFontB.cell_units : kFontA.cell_units;
-  std::string text(static_cast<std::size_t>(line.cells.front().left / column), ' ');
-  for (const Cell& cell : line.cells) text += utf8_of_code_page_437(cell.character);
+  std::string text;
+  int end = 0;
+  for (const Cell& cell : cells) {
+    text += std::string(static_cast<std::size_t>(std::max(cell.left - end, 0) / column), ' ');
+    text += utf8_of_code_page_437(cell.character);
+    end = cell.right();
+  }
   return text;
+}
+
+std::string text_of(const Line& line) {
+  return line.picture ? '[' + line.picture->caption + ']' : text_of_cells(line.cells);
 }
 
 }  // namespace

@@ -28,7 +28,9 @@ struct Recorder : PrinterListener {
   void report_condition(Condition condition, bool on) override {
     changes.push_back(std::string(name_of(condition)) + (on ? " on" : " off"));
   }
-  void store_serial_number(const std::string& number) override { stored = number; }
+  void report_refused(const Refused& content) override { refusals.emplace_back(content.what()); }
+  void report_firmware(const std::string& words) override { firmware.push_back(words); }
+  void remember(const Memory& memory) override { remembered = memory; }
   void report_forgotten(std::size_t characters) override { forgotten += characters; }
   void report_cut_off(std::size_t bytes) override { cut_off += bytes; }
   void deliver(const Receipt& receipt, PaperEnd end) override {
@@ -39,7 +41,9 @@ struct Recorder : PrinterListener {
   std::vector<UnknownBytes> unknown;
   std::vector<RefusedFrame> refused;
   std::vector<std::string> changes;
-  std::string stored;
+  std::vector<std::string> refusals;
+  std::vector<std::string> firmware;
+  Memory remembered;
   int beeps = 0;
   std::size_t forgotten = 0;
   std::size_t cut_off = 0;
@@ -319,14 +323,14 @@ TEST_F(PrinterTest, unfinished_frame_is_refused_at_the_end) {
 TEST_F(PrinterTest, serial_number_is_written_read_and_kept) {
   printer.receive("\x1d#\x03_AB\x5c\x1dIC");
   EXPECT_EQ(answered(), "0_AB");
-  EXPECT_EQ(recorder.stored, "AB");
+  EXPECT_EQ(recorder.remembered.identity.serial_number, "AB");
   printer.receive("\x1d#\x03_XY\x5c\x1dIC");
   EXPECT_EQ(answered(), "1_AB");
-  EXPECT_EQ(recorder.stored, "AB");
+  EXPECT_EQ(recorder.remembered.identity.serial_number, "AB");
 }
 
 TEST_F(PrinterTest, remembered_serial_number_is_told) {
-  Printer other(recorder, Identity{"Z-99"});
+  Printer other(recorder, Memory{Identity{"Z-99"}});
   other.receive("\x1dIC");
   EXPECT_EQ(answered(), "_Z-99");
 }
