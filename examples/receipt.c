@@ -5,10 +5,14 @@
  * Ends with 0 when the printer has confirmed that the receipt is printed. */
 #define _POSIX_C_SOURCE 200809L /* nanosleep */
 #include <stdio.h>
+#include <stdlib.h>
 #include <time.h>
 #include <tzvio.h>
+#include <unistd.h>
 
-static const char* const kLines[] = {
+#include "logo.h"
+
+static const char* const kSale[] = {
     "\x1b|cA\x1b|4CCORNER SHOP\n",
     "\x1b|cA12 Harbour Street\n",
     "\x1b|cAThank you for your visit\n\n",
@@ -22,9 +26,12 @@ static const char* const kLines[] = {
     "\x1b|rA\x1b|2CTOTAL   32.60\n",
     "\x1b|rACash   40.00\n",
     "\x1b|rAChange    7.40\n\n",
-    "\x1b|cA\x1b|bC\x1b|rvC  2 COFFEES = 1 FREE CUP  \n",
-    "\x1b|cA\x1b|3CSee you soon\n",
+    "\x1b|cA\x1b|bC\x1b|rvC  2 COFFEES = 1 FREE CUP  \n\n",
 };
+
+/* The voucher is one of the shop's own article numbers; the printer adds the check digit. */
+static const char kVoucher[] = "200000100042";
+static const char kFeedback[] = "https://shop.example/visit/4711";
 
 enum { kAttempts = 10, kPatienceSeconds = 60 };
 
@@ -47,12 +54,35 @@ static const char* in_words(long code) {
   }
 }
 
+/* The file is there only while it is printed. */
+static long print_logo(const char* port) {
+  char path[] = "/tmp/receipt-logo-XXXXXX";
+  const int file = mkstemp(path);
+  if (file < 0) return TZV_FAILED;
+  close(file);
+  const long result =
+      write_logo(path) == 0 ? PrintBitmap(port, path, TZV_ALIGN_CENTER) : TZV_FAILED;
+  unlink(path);
+  return result;
+}
+
+/* Scanners and telephones want white space around a symbol. */
+static void print_symbols(const char* port) {
+  PrintBarCode(port, kVoucher, TZV_BARCODE_EAN13, 70, 300, TZV_ALIGN_CENTER, TZV_TEXT_BELOW);
+  PrintNormal(port, "\n\n");
+  Print2DBarCode(port, kFeedback, 0, TZV_BARCODE_QRCODE, 6, 1, TZV_ALIGN_CENTER);
+  PrintNormal(port, "\x1b|cATell us about your visit\n");
+  PrintNormal(port, "\x1b|cA\x1b|3CSee you soon\n");
+}
+
 /* The whole receipt in one transaction; 0 when it is on paper. */
 static long print_receipt(const char* port) {
   if (TransactionPrint(port, TZV_TRANSACTION_BEGIN) != 0) return TZV_FAILED;
-  for (unsigned i = 0; i < sizeof kLines / sizeof *kLines; ++i) {
-    if (PrintNormal(port, kLines[i]) != 0) return TZV_FAILED;
+  if (print_logo(port) != 0) return TZV_FAILED;
+  for (unsigned i = 0; i < sizeof kSale / sizeof *kSale; ++i) {
+    if (PrintNormal(port, kSale[i]) != 0) return TZV_FAILED;
   }
+  print_symbols(port);
   CutPaper(port, 100);
   return TransactionPrint(port, TZV_TRANSACTION_END);
 }

@@ -24,7 +24,7 @@ case ${3-} in
   cutter-jam) fault='--fault jam@7 --recover-after 3000' ;;
   # Back before the receipt is sent again, and not while a repeated request is under way.
   power-off) fault='--fault power-off@7 --recover-after 2500' ;;
-  connection-lost) fault='--fault connection-lost@401B --recover-after 2500' ;;
+  connection-lost) fault='--fault connection-lost@2101B --recover-after 2500' ;;
   *)
     echo "FAULT is one of: paper-out cover-open cutter-jam power-off connection-lost" >&2
     exit 2

@@ -4,11 +4,12 @@
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
-printer='libcairo2-dev libpango1.0-dev libcli11-dev fonts-dejavu-core'
+printer='libcairo2-dev libpango1.0-dev libcli11-dev libzint-dev fonts-dejavu-core'
+scanners='libzxing-dev libzbar-dev'
 case ${1-} in
   demo) packages="$build $printer" ;;
-  test) packages="$build $printer googletest iproute2" ;;
-  bench) packages="$build $printer googletest dpkg-dev" ;;
+  test) packages="$build $printer $scanners googletest iproute2" ;;
+  bench) packages="$build $printer $scanners googletest dpkg-dev" ;;
   lint) packages='clang-format clang-tidy' ;;
   *) echo "usage: $0 demo|test|bench|lint" >&2 && exit 2 ;;
 esac

@@ -40,14 +40,18 @@ std::uint32_t width_of_picture(const fs::path& path) {
   return width;
 }
 
-PrintedPaper paper_in(const fs::path& folder) {
+std::vector<fs::path> sorted_files(const fs::path& folder, const std::string& extension) {
   std::vector<fs::path> files;
   for (const auto& entry : fs::directory_iterator(folder)) {
-    if (entry.path().extension() == ".txt") files.push_back(entry.path());
+    if (entry.path().extension() == extension) files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());
+  return files;
+}
+
+PrintedPaper paper_in(const fs::path& folder) {
   PrintedPaper paper;
-  for (fs::path& file : files) {
+  for (fs::path file : sorted_files(folder, ".txt")) {
     paper.texts.push_back(content_of(file));
     paper.widths.push_back(width_of_picture(file.replace_extension(".png")));
   }
@@ -138,8 +142,8 @@ PrinterTest::~PrinterTest() {
 }
 
 void PrinterTest::SetUp() {
-  if (!fs::exists(VIRTUAL_PRINTER_PROGRAM)) {
-    GTEST_SKIP() << "there is no virtual printer at " << VIRTUAL_PRINTER_PROGRAM;
+  for (const char* program : {VIRTUAL_PRINTER_PROGRAM, READ_PAPER_PROGRAM}) {
+    if (!fs::exists(program)) GTEST_SKIP() << "there is no " << program;
   }
 }
 
@@ -204,10 +208,33 @@ PrinterTest::Words PrinterTest::receipt() {
           RECEIPT_PROGRAM};
 }
 
+PrinterTest::Words PrinterTest::pictures_till(const Words& words) {
+  Words command{"/bin/sh", "-c",
+                R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS" "$@")",
+                PICTURES_TILL_PROGRAM};
+  command.insert(command.end(), words.begin(), words.end());
+  return command;
+}
+
 std::string PrinterTest::request(const std::string& words) {
   return std::string(VIRTUAL_PRINTER_PROGRAM) + " " + words +
          R"( $(case "$VIRTUAL_PRINTER_PORT" in SOCKET:*) echo --listen "$VIRTUAL_PRINTER_SETTINGS";;)"
          R"( *) echo --port "$VIRTUAL_PRINTER_PORT";; esac))";
+}
+
+std::string PrinterTest::read_paper(const std::string& how) const {
+  Words words{READ_PAPER_PROGRAM, how};
+  for (const fs::path& file : sorted_files(in_folder("paper"), ".png")) words.push_back(file);
+  const pid_t pid = spawn(words, "read");
+  const int status = pid > 0 ? exit_status_of(pid) : -1;
+  EXPECT_EQ(status, 0) << content_of(in_folder("read.errors"));
+  return content_of(in_folder("read.out"));
+}
+
+std::string PrinterTest::file(const std::string& name, const std::string& content) const {
+  const fs::path path = in_folder(name);
+  std::ofstream(path, std::ios::binary) << content;
+  return path;
 }
 
 std::string PrinterTest::recorded() const {

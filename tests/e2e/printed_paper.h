@@ -68,9 +68,17 @@ class PrinterTest : public testing::Test {
   // shell puts in what the printer says about its port.
   static Words till(const std::string& scenario, const std::string& seconds = "30");
   static Words receipt();
+  // The command of a till that prints pictures and symbols, by its words.
+  static Words pictures_till(const Words& words);
 
   // For a shell: the printer's program with a request to the printer that runs it.
   static std::string request(const std::string& words);
+
+  // What is read off the pictures, as tests/e2e/read_paper.cpp has it: by "scan" or by "dots".
+  std::string read_paper(const std::string& how) const;
+
+  // A file of these bytes, for as long as the test runs; its path.
+  std::string file(const std::string& name, const std::string& content) const;
 
   // All bytes that came over the line, of a run with the options that record them.
   Words recording() const { return {"--record", in_folder("record")}; }

@@ -20,7 +20,8 @@ using testing::StartsWith;
 // 42 columns. The underlined lines are 42 blanks, the cut feeds five lines; what stands in double
 // width counts two columns a character.
 const std::string kPaper =
-    R"(          CORNER SHOP
+    R"([picture 192 x 72]
+          CORNER SHOP
             12 Harbour Street
          Thank you for your visit
 
@@ -39,7 +40,14 @@ Qty Item                            Amount
 
 )"
     "          2 COFFEES = 1 FREE CUP  \n"
-    R"(               See you soon
+    R"(
+[EAN-13 2000001000427]
+
+
+[QR Code "https://shop.example/visit/4711"]
+
+         Tell us about your visit
+               See you soon
 
 
 
@@ -179,12 +187,15 @@ TEST_P(ReceiptCutOff, stands_whole_at_the_end_of_the_paper_when_the_line_is_back
 
 INSTANTIATE_TEST_SUITE_P(
     by, ReceiptCutOff,
-    testing::Values(Loss{Line::kTcp, "connection-lost@12B", "0"},   // within the initialisation
-                    Loss{Line::kTcp, "connection-lost@780B", "0"},  // within the request at the end
-                    Loss{Line::kTcp, "connection-lost@401B", "3000"},
-                    Loss{Line::kTcp, "connection-closed@401B", "500"},
+    testing::Values(Loss{Line::kTcp, "connection-lost@12B", "0"},  // within the initialisation
+                    Loss{Line::kTcp, "connection-lost@2685B",
+                         "0"},  // within the request at the end
+                    Loss{Line::kTcp, "connection-lost@401B", "3000"},  // within the logo
+                    Loss{Line::kTcp, "connection-lost@2101B", "3000"},
+                    Loss{Line::kTcp, "connection-closed@2101B", "500"},
                     Loss{Line::kUsb, "connection-lost@401B", "500"},
-                    Loss{Line::kParallel, "connection-lost@401B", "1500"}),
+                    Loss{Line::kUsb, "connection-lost@2101B", "500"},
+                    Loss{Line::kParallel, "connection-lost@2101B", "1500"}),
     [](const auto& param) {
       std::string name =
           name_of(param.param.line) + "_" + param.param.fault + "_for_" + param.param.back_after_ms;
