@@ -8,6 +8,8 @@ namespace virtual_printer {
 
 struct Identity {
   std::string serial_number = "VP0000001";
+
+  bool operator==(const Identity&) const = default;
 };
 
 std::string version_reply();

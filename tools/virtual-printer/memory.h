@@ -12,6 +12,8 @@ namespace virtual_printer {
 struct Memory {
   Identity identity;
   std::string images{'\0'};  // as the command that stores them has them: how many, and each
+
+  bool operator==(const Memory&) const = default;
 };
 
 // The commands that bring a new printer to that state, and back.

@@ -52,7 +52,9 @@ Encoded encoded(int kind, std::string_view data, int option_1 = -1, int option_2
   const int result =
       ZBarcode_Encode(symbol.get(), reinterpret_cast<const unsigned char*>(copy.c_str()),
                       static_cast<int>(copy.size()));
-  if (result >= ZINT_ERROR) throw Refused(symbol->errtxt);
+  // Where zint would choose another size than asked for, the printer would not.
+  const bool refused = result >= ZINT_ERROR || result == ZINT_WARN_INVALID_OPTION;
+  if (refused) throw Refused(symbol->errtxt);
   return symbol;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -119,6 +120,43 @@ TEST(CommandParser, knows_each_command) {
       {"first self-test", "\x1b#MENU1", command(CommandKind::kSelfTest, 1)},
       {"second self-test", "\x1b#MENU2", command(CommandKind::kSelfTest, 2)},
       {"mark query", "\x1b#BM?", command(CommandKind::kMarkQuery)},
+      {"module width", "\x1dw\x06", command(CommandKind::kModuleWidth, 6)},
+      {"bar height", "\x1dh\xff", command(CommandKind::kBarHeight, 255)},
+      {"font of a symbol's text", "\x1d\x66\x31", command(CommandKind::kSymbolTextFont, 1)},
+      {"place of a symbol's text", "\x1dH2", command(CommandKind::kSymbolTextPlace, 2)},
+      {"linear symbol", "\x1dkI\x05\x1b\n\0{B"s,
+       block(CommandKind::kLinearSymbol, "I\x05\x1b\n\0{B"sv)},
+      {"linear symbol without data", "\x1dk\x41\0"s, block(CommandKind::kLinearSymbol, "\x41\0"sv)},
+      {"columns of PDF417", "\x1d(k\x03\0\x30\x41\x1e"s, command(CommandKind::kPdf417Columns, 30)},
+      {"modules of PDF417", "\x1d(k\x03\0\x30\x43\x08"s,
+       command(CommandKind::kPdf417ModuleWidth, 8)},
+      {"PDF417", "\x1d(k\x03\0\x30\x51\x30"s, command(CommandKind::kPrintPdf417)},
+      {"model of QR Code", "\x1d(k\x03\0\x31\x41\xff"s, command(CommandKind::kQrModel, 255)},
+      {"modules of QR Code", "\x1d(k\x03\0\x31\x43\x10"s, command(CommandKind::kQrModuleSize, 16)},
+      {"level of QR Code", "\x1d(k\x03\0\x31\x45\x33"s,
+       command(CommandKind::kQrErrorCorrection, '3')},
+      {"QR Code", "\x1d(k\x03\0\x31\x51\x30"s, command(CommandKind::kPrintQrCode)},
+      {"data of a symbol", "\x1d(k\x05\0\x31\x50\x30\x1b\0"s,
+       block(CommandKind::kStoreSymbol, "\x05\0\x31\x50\x30\x1b\0"sv)},
+      {"no data of a symbol", "\x1d(k\x03\0\x30\x50\x30"s,
+       block(CommandKind::kStoreSymbol, "\x03\0\x30\x50\x30"sv)},
+      {"data of 8092 bytes", "\x1d(k\x9f\x1f\x31\x50\x30" + std::string(8092, '\x1d'),
+       block(CommandKind::kStoreSymbol, "\x9f\x1f\x31\x50\x30" + std::string(8092, '\x1d'))},
+      {"picture", "\x1d*\x01\x02" + std::string(16, '\x1b'),
+       block(CommandKind::kDownloadImage, "\x01\x02" + std::string(16, '\x1b'))},
+      {"picture on paper", "\x1d/3", command(CommandKind::kPrintDownloaded, 3)},
+      {"pictures to keep", "\x1cq\x01\x01\0\x01\0"s + std::string(8, '\n'),
+       block(CommandKind::kStoreImages, "\x01\x01\0\x01\0"s + std::string(8, '\n'))},
+      {"no pictures to keep", "\x1cq\0"s, block(CommandKind::kStoreImages, "\0"sv)},
+      {"kept picture", "\x1cp\x02\x30", block(CommandKind::kPrintStored, "\x02\x30")},
+      {"kept pictures go", "\x1c\x65", command(CommandKind::kEraseImages)},
+      {"page mode", "\x1bL", command(CommandKind::kPageMode)},
+      {"page on paper", "\x1b\f", command(CommandKind::kPrintPage)},
+      {"standard mode", "\x1bS", command(CommandKind::kStandardMode)},
+      {"position to the right", "\x1d}X\x2c\x01", block(CommandKind::kPositionX, "\x2c\x01")},
+      {"position down", "\x1d}Y\xff\xff", block(CommandKind::kPositionY, "\xff\xff")},
+      {"firmware", "\x1d~D\x01\0\0"s + std::string(65537, '\x1d'),
+       block(CommandKind::kFirmware, "D\x01\0\0"s + std::string(65537, '\x1d'))},
       {"frame", framed("job"), block(CommandKind::kFramedJob, "job")},
       {"line feed", "\n", command(CommandKind::kLineFeed)},
       {"carriage return", "\r", command(CommandKind::kCarriageReturn)},
@@ -128,28 +166,48 @@ TEST(CommandParser, knows_each_command) {
   for (const Row& row : rows) EXPECT_THAT(decode(row.bytes), ElementsAre(row.expected)) << row.name;
 }
 
+// Twice: first what is short, then what carries data.
+constexpr std::array kEveryKind{
+    "\x1b@\x1b"
+    "E0\x1b-0\x1b!F\x1d"
+    "B0\x1b"
+    "a0\x1b"
+    "3<ab\x1b|cA\x10\x04\x04\x1b#SENSOR"
+    "\x1d(H\x06\0\x30\x30\x31\x31\x1b\n\x1d#\x02_A\x1e\x1bp0dd\x1b#BM?\x1d#\x02X"
+    "\x1b#FRAME\x01\0\x02\x02\x41\x42\x03\0\x83\x04"
+    "\x1b#SENT\x1d(\x1cq\x1c\x01\x1b\x1b\x1bm\x10\x07\n\x1b"sv,
+    "\x1dw\x02\x1dw\x07\x1dh\0\x1d\x66\x32\x1dH3\x1dkA\x02\x1b@\x1dkJ\x01"
+    "\x1d(k\x03\0\x30\x41\x05\x1d(k\x03\0\x31\x42\x05\x1d(k\x02\0\x31\x50\x30"
+    "\x1d(k\x04\0\x31\x50\x30\x1d\x1d(k\x03\0\x31\x51\x30\x1d(k\x03\0\x32\x51\x30"
+    "\x1d*\0\x01\x1d*\x01\x01\x1d/0\x1b\n\x1d(k\x1d/0"
+    "\x1cq\x02\x01\0\x01\0\x1c\x1c\x1c\x1c\x1c\x1c\x1c\x1c\x01\0\x01\0qqqqqqqq\x1cp\0\x30"
+    "\x1cp\x01\x30\x1c\x65\x1bL\x1d}X\x1d\x1b\x1d}Yab\x1d}Z\x1b\f\x1bS\x1d~G\x01\0\0"
+    "\x1d~D\0\0\0\x1d~D\x01\0\0\x1b#FRAME"sv,
+};
+
 TEST(CommandParser, every_split_gives_the_same_commands) {
-  constexpr std::string_view kBytes =
-      "\x1b@\x1b"
-      "E0\x1b-0\x1b!F\x1d"
-      "B0\x1b"
-      "a0\x1b"
-      "3<ab\x1b|cA\x10\x04\x04\x1b#SENSOR"
-      "\x1d(H\x06\0\x30\x30\x31\x31\x1b\n\x1d#\x02_A\x1e\x1bp0dd\x1b#BM?\x1d#\x02X"
-      "\x1b#FRAME\x01\0\x02\x02\x41\x42\x03\0\x83\x04"
-      "\x1b#SENT\x1d(\x1cq\x1c\x01\x1b\x1b\x1bm\x10\x07\n\x1b"sv;
-  const auto whole = decode(kBytes);
-  for (std::size_t first = 0; first <= kBytes.size(); ++first) {
-    for (std::size_t second = first; second <= kBytes.size(); ++second) {
-      CommandParser parser;
-      std::vector<Decoded> pieces;
-      for (const auto piece :
-           {kBytes.substr(0, first), kBytes.substr(first, second - first), kBytes.substr(second)}) {
-        for (auto& item : feed(parser, piece)) pieces.push_back(item);
+  for (const std::string_view bytes : kEveryKind) {
+    const auto whole = decode(bytes);
+    for (std::size_t first = 0; first <= bytes.size(); ++first) {
+      for (std::size_t second = first; second <= bytes.size(); ++second) {
+        CommandParser parser;
+        std::vector<Decoded> pieces;
+        for (const auto piece :
+             {bytes.substr(0, first), bytes.substr(first, second - first), bytes.substr(second)}) {
+          for (auto& item : feed(parser, piece)) pieces.push_back(item);
+        }
+        for (auto& item : decode(parser, Expectation::kNothing)) pieces.push_back(item);
+        ASSERT_EQ(pieces, whole) << "split at " << first << " and " << second;
       }
-      for (auto& item : decode(parser, Expectation::kNothing)) pieces.push_back(item);
-      ASSERT_EQ(pieces, whole) << "split at " << first << " and " << second;
     }
+  }
+}
+
+TEST(CommandParser, long_data_that_never_comes_whole_is_no_text) {
+  for (const std::string& begun :
+       {"\x1dkC\x0d\x31\x32"s, "\x1d(k\xff\x10\x31\x50\x30text"s, "\x1d*\x08\x08text"s,
+        "\x1cq\x02\x01\0\x01\0text"s, "\x1d~E\x08\0\0text"s}) {
+    EXPECT_THAT(decode(begun), ElementsAre(unknown(0, begun)));
   }
 }
 

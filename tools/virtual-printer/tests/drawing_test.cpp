@@ -122,6 +122,34 @@ TEST(Drawing, glyph_stays_inside_its_cell) {
   }
 }
 
+TEST(Drawing, picture_stands_dot_for_dot_at_its_place) {
+  const std::string solid = "\x1d*\x02\x01" + std::string(16, '\xff') + "\x1d/0";
+  expect_exactly(draw(printed(solid)), {0, kTop, 16, kTop + 8});
+  expect_exactly(draw(printed(with(kRight, "\n" + solid))), {624, kTop + 30, 640, kTop + 38});
+  expect_exactly(draw(printed("\x1d}X\x7b\x02" + solid)), {635, kTop, 640, kTop + 8});
+}
+
+TEST(Drawing, picture_beyond_the_paper_is_white) {
+  const std::string solid = "\x1d*\x01\x01" + std::string(8, '\xff') + "\x1d/0";
+  const DotImage image = draw(printed("\x1d}X\xff\xff" + solid));
+  EXPECT_EQ(ink_in(image, {0, 0, 640, image.height()}), 0);
+}
+
+TEST(Drawing, text_of_a_symbol_stands_above_or_below_its_bars) {
+  const std::string symbol = "\x1dw\x04\x1dh\x32\x1dkD\x07" + std::string("9638507");
+  const DotImage below = draw(printed("\x1dH2" + symbol));
+  const DotImage above = draw(printed("\x1dH1" + symbol));
+  const Box first_bar{0, 0, 4, 50};
+  const auto moved = [](Box box, int down) {
+    return Box{box.left, box.top + down, box.right, box.bottom + down};
+  };
+  EXPECT_EQ(ink_in(below, moved(first_bar, kTop)), area_of(first_bar));
+  EXPECT_EQ(ink_in(above, moved(first_bar, kTop + kCellHeight)), area_of(first_bar));
+  const Box text{0, 0, 640, kCellHeight};
+  EXPECT_GT(ink_in(below, moved(text, kTop + 50)), 0);
+  EXPECT_EQ(ink_in(below, moved(text, kTop + 50)), ink_in(above, moved(text, kTop)));
+}
+
 TEST(Drawing, bold_burns_more_dots) {
   const auto ink = [](const std::string& bytes) {
     const DotImage image = draw(printed(bytes));

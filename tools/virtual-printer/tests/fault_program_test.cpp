@@ -153,6 +153,25 @@ TEST_F(FaultTest, serial_number_outlives_the_process_in_its_file) {
   EXPECT_THAT(forgetful.out, HasSubstr(" 5f 56 50\n"));
 }
 
+TEST_F(FaultTest, stored_images_outlive_the_process_in_the_same_file) {
+  const std::vector<std::string> memory{"--memory", in_folder("memory"), "--strict"};
+  run_till(
+      R"(printf '\035#\003_AB\134\034q\001\001\000\001\000\200\200\200\200\200\200\200\200' >&3)",
+      memory);
+  const Outcome second = run_till(R"(printf '\034p\001\060\033i\035IC' >&3; answer 3)", memory);
+  EXPECT_EQ(second.status, 0) << second.errors;
+  EXPECT_THAT(second.out, HasSubstr(" 5f 41 42\n"));
+  EXPECT_EQ(receipt("receipt-001.txt"), "[stored picture 1, 8 x 8]\n");
+}
+
+TEST_F(FaultTest, file_that_is_no_memory_is_left_alone) {
+  std::ofstream(in_folder("memory")) << "something else\n";
+  const Outcome outcome = run_script("echo started", {"--memory", in_folder("memory")});
+  EXPECT_EQ(outcome.status, kOwnFailure);
+  EXPECT_THAT(outcome.errors, HasSubstr("memory is no memory of a printer\n"));
+  EXPECT_EQ(content_of(in_folder("memory")), "something else\n");
+}
+
 TEST_F(FaultTest, memory_that_cannot_be_made_is_an_error_before_the_command_runs) {
   const Outcome outcome = run_script("echo started", {"--memory", "/dev/null/memory"});
   EXPECT_EQ(outcome.status, kOwnFailure);
@@ -215,8 +234,9 @@ TEST_F(FaultTest, status_tells_conditions_and_counters) {
   EXPECT_THAT(outcome.out, HasSubstr("answer-delay off\nanswer-split off\nanswer-glue off\n"
                                      "answer-double off\nanswer-garble 7\nmute off\nslow off\n"
                                      "nibble-refusals off\n"));
-  EXPECT_THAT(outcome.out, HasSubstr("receipts 1\nlines 1\n"
-                                     "unknown bytes 1\nrefused frames 0\nbytes held 5\n"));
+  EXPECT_THAT(outcome.out,
+              HasSubstr("receipts 1\nlines 1\n"
+                        "unknown bytes 1\nrefused frames 0\nrefused content 0\nbytes held 5\n"));
 }
 
 TEST_F(FaultTest, request_without_a_printer_fails_with_a_sentence) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -35,6 +36,7 @@ struct Recorder : PrinterListener {
   void report_cut_off(std::size_t bytes) override { cut_off += bytes; }
   void deliver(const Receipt& receipt, PaperEnd end) override {
     papers.emplace_back(text_of(receipt), end);
+    longest = std::max(longest, receipt.length / kHalfDotsPerDot);
   }
 
   std::string answers;
@@ -47,6 +49,7 @@ struct Recorder : PrinterListener {
   int beeps = 0;
   std::size_t forgotten = 0;
   std::size_t cut_off = 0;
+  int longest = 0;  // of the papers, in dots
   std::vector<std::pair<std::string, PaperEnd>> papers;
 };
 
@@ -333,6 +336,106 @@ TEST_F(PrinterTest, remembered_serial_number_is_told) {
   Printer other(recorder, Memory{Identity{"Z-99"}});
   other.receive("\x1dIC");
   EXPECT_EQ(answered(), "_Z-99");
+}
+
+// An image of eight dots by eight, and how it is kept.
+const std::string kImage = "\x01\0\x01\0"s + std::string(8, '\xff');
+const std::string kKeepImage = "\x1cq\x01" + kImage;
+
+TEST_F(PrinterTest, stored_images_print_by_number_and_are_remembered) {
+  printer.receive("\x1b@" + kKeepImage);
+  EXPECT_EQ(recorder.remembered.images, "\x01" + kImage);
+  printer.receive("\x1cp\x01\x33\x1cp\x02\x30\x1bi");
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("[stored picture 1, 16 x 16]\n", PaperEnd::kCut)));
+  EXPECT_THAT(recorder.refusals, ElementsAre("stored picture 2: there is none"));
+}
+
+TEST_F(PrinterTest, stored_images_outlive_power_and_an_initialise_but_not_their_erasure) {
+  printer.receive(kKeepImage);
+  printer.set(Condition::kPowerOff, true);
+  printer.set(Condition::kPowerOff, false);
+  printer.receive("\x1b@\x1cp\x01\x30");
+  EXPECT_THAT(recorder.refusals, IsEmpty());
+  printer.receive("\x1c\x65\x1cp\x01\x30");
+  EXPECT_EQ(recorder.remembered.images, "\0"s);
+  EXPECT_THAT(recorder.refusals, SizeIs(1));
+}
+
+TEST_F(PrinterTest, next_download_replaces_all_stored_images) {
+  printer.receive("\x1cq\x02" + kImage + kImage + kKeepImage + "\x1cp\x02\x30");
+  EXPECT_THAT(recorder.refusals, SizeIs(1));
+  printer.receive("\x1cq\0\x1cp\x01\x30"s);
+  EXPECT_THAT(recorder.refusals, SizeIs(2));
+}
+
+TEST_F(PrinterTest, remembered_images_print) {
+  Printer other(recorder, Memory{{}, "\x01" + kImage});
+  other.receive("\x1cp\x01\x30\x1bi");
+  EXPECT_THAT(recorder.papers, SizeIs(1));
+}
+
+TEST_F(PrinterTest, refused_symbol_leaves_no_trace_but_the_report) {
+  printer.receive(
+      "a\n\x1dkC\x03"
+      "12X"
+      "b\n\x1bi");
+  EXPECT_THAT(recorder.refusals, ElementsAre("EAN-13 \"12X\": needs 12 digits, or one more"));
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("a\nb\n", PaperEnd::kCut)));
+  EXPECT_THAT(recorder.unknown, IsEmpty());
+}
+
+TEST_F(PrinterTest, picture_waits_for_the_paper_like_text) {
+  printer.set(Condition::kPaperOut, true);
+  printer.receive(kKeepImage + "\x1cp\x01\x30\x1bi");
+  EXPECT_THAT(recorder.papers, IsEmpty());
+  EXPECT_EQ(recorder.remembered.images, "\0"s);
+  printer.set(Condition::kPaperOut, false);
+  EXPECT_THAT(recorder.papers, SizeIs(1));
+}
+
+TEST_F(PrinterTest, power_that_goes_takes_a_download_with_it) {
+  printer.receive("\x1d*\x01\x01" + std::string(7, '\xff'));
+  printer.set(Condition::kPowerOff, true);
+  printer.set(Condition::kPowerOff, false);
+  printer.receive("text\n\x1bi");
+  EXPECT_THAT(recorder.papers, ElementsAre(Pair("text\n", PaperEnd::kCut)));
+}
+
+TEST_F(PrinterTest, status_query_within_data_is_data) {
+  printer.receive("\x1d*\x01\x01\x10\x04\x01" + std::string(5, '\0'));
+  EXPECT_EQ(answered(), "");
+  printer.receive("\x10\x04\x01");
+  EXPECT_EQ(answered(), "\x16");
+}
+
+TEST_F(PrinterTest, endless_pictures_are_delivered_in_pieces_that_a_file_can_hold) {
+  printer.receive("\x1d*\x01\x01" + std::string(8, '\xff'));
+  const std::string page = "\x1bL\x1d}Y\xf8\x08\x1d/0\x1b\f\x1bS";  // 2304 dots, the longest
+  for (int i = 0; i < 30; ++i) printer.receive(page);
+  EXPECT_THAT(recorder.papers, SizeIs(2));
+  EXPECT_LT(recorder.longest, 32767 - 24);
+  EXPECT_THAT(recorder.refusals, IsEmpty());
+}
+
+TEST_F(PrinterTest, page_that_is_not_printed_is_reported) {
+  printer.receive("\x1bLpage\n\x1bS");
+  EXPECT_EQ(recorder.forgotten, 4U);
+  printer.receive("\x1bLpage\n\x1b@");
+  EXPECT_EQ(recorder.forgotten, 8U);
+  printer.receive("\x1bLpage\n");
+  printer.finish();
+  EXPECT_EQ(recorder.forgotten, 12U);
+  EXPECT_THAT(recorder.papers, IsEmpty());
+}
+
+TEST_F(PrinterTest, firmware_is_checked_and_told) {
+  const std::string region(0x50000, 'x');
+  printer.receive("\x1d~D\x05\0\0"s + region + '\0');
+  EXPECT_THAT(recorder.refusals, IsEmpty());
+  printer.receive("\x1d~D\x05\0\0"s + region + '\1');
+  EXPECT_THAT(recorder.firmware, ElementsAre("firmware D 327680 bytes, checksum right",
+                                             "firmware D 327680 bytes, checksum wrong"));
+  EXPECT_THAT(recorder.refusals, SizeIs(1));
 }
 
 TEST_F(PrinterTest, version_and_mark_are_told) {

@@ -96,6 +96,26 @@ TEST_F(ProgramTest, strict_makes_unknown_bytes_a_failure) {
   EXPECT_EQ(run_script(R"(printf 'ab\n\033i' >$port)", {"--strict"}).status, 0);
 }
 
+TEST_F(ProgramTest, what_is_refused_is_reported_counted_and_a_failure_to_strict) {
+  const std::string script = R"(printf '\035kC\00312Xtext\n\033i' >$port
+    until [ -e )" + in_folder("receipt-001.png").string() +
+                             R"( ]; do :; done
+    )" + program() + " status --port $port";
+  const Outcome outcome = run_script(script, {"--strict"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.errors, HasSubstr("refused: EAN-13 \"12X\": needs 12 digits, or one more\n"));
+  EXPECT_THAT(outcome.errors, HasSubstr("refused content in all: 1\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("refused content 1\n"));
+  EXPECT_EQ(content_of(in_folder("receipt-001.txt")), "text\n");
+}
+
+TEST_F(ProgramTest, long_data_that_never_comes_is_reported_shortly_and_not_printed) {
+  const Outcome outcome = run_script(R"(printf 'a\n\033i\035*\060\036%4000s' '' >$port)");
+  EXPECT_THAT(outcome.errors, HasSubstr("unknown bytes at 4: 1D 2A 30 1E 20 "));
+  EXPECT_THAT(outcome.errors, HasSubstr(" ... 4004 bytes\n"));
+  EXPECT_FALSE(fs::exists(in_folder("receipt-002-uncut.png")));
+}
+
 TEST_F(ProgramTest, ordinary_user_needs_no_rights_to_run_a_command) {
   const Outcome outcome = run_script("printf 'mine\n\033i' >$port; id -u", {}, User::kOrdinary);
   EXPECT_EQ(outcome.status, 0) << outcome.errors;

@@ -28,6 +28,19 @@ TEST(TextRendition, wide_characters_stay_plain_characters) {
             std::string(36, ' ') + "abc\n");
 }
 
+TEST(TextRendition, picture_or_symbol_is_a_line_in_brackets) {
+  const std::string picture = "\x1d*\x01\x01" + std::string(8, '\x80') + "\x1d/0";
+  const std::string symbol = "\x1dH2\x1dkC\x0c" + std::string("400638133393");
+  EXPECT_EQ(text_of(printed("a\n" + std::string(kCentre) + picture + "\n" + symbol + "b")),
+            "a\n[picture 8 x 8]\n\n[EAN-13 4006381333931]\n" + std::string(20, ' ') + "b\n");
+}
+
+TEST(TextRendition, gap_is_spaces) {
+  EXPECT_EQ(text_of(printed("ab\x1d}X\x98\x01"
+                            "c")),
+            "ab" + std::string(24, ' ') + "c\n");
+}
+
 TEST(TextRendition, code_page_becomes_utf8) {
   EXPECT_EQ(text_of(printed("\x84\xe1\xc4\xdb\xff")), "\u00e4\u00df\u2500\u2588\u00a0\n");
 }
