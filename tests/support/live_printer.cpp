@@ -130,15 +130,17 @@ bool bind_to(int listening, in_addr_t host, in_port_t number) {
 /// those that the system gives to outgoing connections: while nobody listens on it, a till's own
 /// connection could get it.
 int listen_on(in_addr_t host, in_port_t& number) {
-  constexpr int kFirst = 20000, kCount = 10000;
+  constexpr int kFirst = 20000, kCount = 10000, kTries = 5000;
   const int listening = socket(AF_INET, SOCK_STREAM, 0);
   const int on = 1;
   setsockopt(listening, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-  bool bound = number != 0 && bind_to(listening, host, number);
-  for (int tries = 0; number == 0 && !bound && tries < kCount; ++tries) {
-    const auto candidate = static_cast<in_port_t>(kFirst + (getpid() * 31 + tries) % kCount);
-    bound = bind_to(listening, host, candidate);
-    if (bound) number = candidate;
+  const bool any = number == 0;
+  bool bound = false;
+  for (int tries = 0; !bound && tries < kTries; ++tries) {
+    if (any) number = static_cast<in_port_t>(kFirst + (getpid() * 31 + tries) % kCount);
+    bound = bind_to(listening, host, number);
+    // The one before listens until the thread that waits for it has looked up.
+    if (!bound && !any) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   EXPECT_TRUE(bound);
   EXPECT_EQ(listen(listening, 5), 0);
