@@ -14,9 +14,7 @@
 namespace {
 
 using pictures::Bmp;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::SizeIs;
 
 constexpr int kPaperDots = 640;
 constexpr int kMargin = 12;
