@@ -29,7 +29,7 @@ class Pictures : public PrinterTest {
     return run_under_printer(options, pictures_till(words));
   }
 
-  // The rows of all that was cut off so far, of each receipt without its margins.
+  // The rows of all receipts so far, margins included.
   Rows dots() const {
     std::istringstream lines(read_paper("dots"));
     Rows rows;
@@ -43,22 +43,21 @@ Bmp noise(int width, int height, int bits) {
   return pictures::random_bmp(width, height, bits, pictures::kWhiteFirst, random);
 }
 
-// Blank rows with a picture on them.
-Rows blank(std::size_t rows) {
-  return Rows(rows, std::string(kPaperDots, '.'));
+// The rows of a receipt that is cut below content of that height.
+Rows blank(int height) {
+  constexpr int kCutFeed = 5 * 30;  // lines of 30 dots
+  const int rows = kMargin + height + kCutFeed + kMargin;
+  return {static_cast<std::size_t>(rows), std::string(kPaperDots, '.')};
 }
 
 void put(Rows& rows, const Bmp& bmp, int left, int top) {
   for (int y = 0; y < bmp.height; ++y) {
-    std::string& row = rows.at(static_cast<std::size_t>(top + y));
+    std::string& row = *(rows.begin() + kMargin + top + y);
     for (int x = 0; x < bmp.width && left + x < kPaperDots; ++x) {
-      if (pictures::prints_black(bmp, x, y)) row[static_cast<std::size_t>(left + x)] = '#';
+      if (pictures::prints_black(bmp, x, y)) *(row.begin() + left + x) = '#';
     }
   }
 }
-
-// The cut feeds five lines of 30 dots.
-constexpr std::size_t kCutFeed = 150;
 
 TEST_F(Pictures, of_every_depth_stand_on_paper_dot_for_dot) {
   Words words;
@@ -68,10 +67,10 @@ TEST_F(Pictures, of_every_depth_stand_on_paper_dot_for_dot) {
     const Bmp bmp = noise(100, 41, bits);
     words.insert(words.end(), {"bitmap", file(std::to_string(bits), bmp.file()),
                                std::to_string(alignment), "cut"});
-    Rows receipt = blank(48 + kCutFeed + 2 * kMargin);
+    Rows receipt = blank(48);
     // A width of 13 bytes; what stands in the middle has half of the rest on its left.
     constexpr std::array kLeft{0, 268, 536};
-    put(receipt, bmp, kLeft.at(static_cast<std::size_t>(alignment)), kMargin);
+    put(receipt, bmp, kLeft.at(static_cast<std::size_t>(alignment)), 0);
     expected.insert(expected.end(), receipt.begin(), receipt.end());
     alignment = (alignment + 1) % 3;
   }
@@ -84,8 +83,8 @@ TEST_F(Pictures, of_every_depth_stand_on_paper_dot_for_dot) {
 TEST_F(Pictures, wider_than_the_paper_lose_what_lies_beyond_it) {
   const Bmp bmp = noise(700, 8, 1);
   ASSERT_EQ(print({"bitmap", file("wide", bmp.file()), "1", "cut"}).status, 0);
-  Rows expected = blank(8 + kCutFeed + 2 * kMargin);
-  put(expected, bmp, 0, kMargin);
+  Rows expected = blank(8);
+  put(expected, bmp, 0, 0);
   EXPECT_EQ(dots(), expected);
 }
 
@@ -95,13 +94,13 @@ TEST_F(Pictures, that_are_stored_print_by_number_and_outlive_the_printer) {
   const Words options{"--strict", "--memory", file("memory", "")};
   const std::string list = file("first", first.file()) + "|" + file("second", second.file()) + "|";
   ASSERT_EQ(print({"store", list, "stored", "2", "0", "cut"}, options).status, 0);
-  Rows expected = blank(160 + kCutFeed + 2 * kMargin);
-  put(expected, second, 0, kMargin);
+  Rows expected = blank(160);
+  put(expected, second, 0, 0);
   EXPECT_EQ(dots(), expected);
 
   ASSERT_EQ(print({"stored", "1", "2", "cut", "erase"}, options).status, 0);
-  Rows next = blank(24 + kCutFeed + 2 * kMargin);
-  put(next, first, kPaperDots - 64, kMargin);
+  Rows next = blank(24);
+  put(next, first, kPaperDots - 64, 0);
   expected.insert(expected.end(), next.begin(), next.end());
   EXPECT_EQ(dots(), expected);
 
@@ -116,10 +115,10 @@ TEST_F(Pictures, stand_at_their_positions_on_a_page) {
       print({"store", file("bmp", bmp.file()) + "|", "page", "stored-at", "300", "20", "1",
              "stored-at", "7", "101", "1", "stored-at", "620", "33", "1", "end-page", "cut"});
   ASSERT_EQ(outcome.status, 0) << outcome.errors;
-  Rows expected = blank(101 + 16 + kCutFeed + 2 * kMargin);
-  put(expected, bmp, 300, kMargin + 20);
-  put(expected, bmp, 7, kMargin + 101);
-  put(expected, bmp, 620, kMargin + 33);
+  Rows expected = blank(101 + 16);
+  put(expected, bmp, 300, 20);
+  put(expected, bmp, 7, 101);
+  put(expected, bmp, 620, 33);
   EXPECT_EQ(dots(), expected);
 }
 

@@ -45,8 +45,9 @@ Grey load(const char* path) {
                {}};
   const unsigned char* row = cairo_image_surface_get_data(surface.get());
   for (int y = 0; y < picture.height; ++y, row += cairo_image_surface_get_stride(surface.get())) {
-    // Four bytes for each pixel; a grey one has its shade in all colours.
-    for (int x = 0; x < picture.width; ++x) picture.pixels.push_back(row[4 * x]);
+    // Of four bytes to the pixel; a grey one has its shade in all colours.
+    const unsigned char* pixel = row;
+    for (int x = 0; x < picture.width; ++x, pixel += 4) picture.pixels.push_back(*pixel);
   }
   return picture;
 }

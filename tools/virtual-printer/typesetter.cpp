@@ -196,7 +196,7 @@ void Typesetter::print_notice(std::string_view text) {
 }
 
 std::size_t Typesetter::unprinted() const {
-  std::size_t count = open_.cells.size();
+  std::size_t count = open_.cells.size() + lines_beyond_page_;
   if (!page_) return count;
   for (const Line& line : page_->lines) count += line.picture ? 1 : line.cells.size();
   return count;
@@ -221,7 +221,7 @@ void Typesetter::add_character(std::uint8_t character, const Style& style) {
   go_to_position();
   Cell cell{character, style, open_width_};
   if (cell.right() > kPaperUnits) {
-    feed_line();
+    end_open_line();
     cell.left = 0;
   }
   open_width_ = cell.right();
@@ -313,11 +313,14 @@ void Typesetter::print_page() {
     ++printed_lines_;
   }
   paper_.length += length;
+  const std::size_t beyond = std::exchange(lines_beyond_page_, 0);
+  if (beyond > 0) throw Refused("lines beyond the end of the page: " + std::to_string(beyond));
 }
 
 void Typesetter::leave_page() {
   if (!page_) return;
   page_.reset();
+  lines_beyond_page_ = 0;
   open_ = Line();
   open_width_ = 0;
   position_.reset();
@@ -359,12 +362,15 @@ void Typesetter::end_open_line() {
 // On a page a blank line is nothing; on paper it is a feed that counts.
 void Typesetter::put(Line line) {
   line.top = sheet().length;
-  if (page_ && line.is_blank()) return;
-  if (page_ && bottom_of(line) > kLongestPageHalfDots) {
-    throw Refused("a line beyond the end of the page");
+  if (!page_) {
+    ++printed_lines_;
+  } else if (line.is_blank()) {
+    return;
+  } else if (bottom_of(line) > kLongestPageHalfDots) {
+    ++lines_beyond_page_;
+    return;
   }
   sheet().lines.push_back(std::move(line));
-  if (!page_) ++printed_lines_;
 }
 
 void Typesetter::feed(int half_dots) {

@@ -16,8 +16,8 @@ namespace virtual_printer {
 
 class Typesetter {
  public:
-  // Carries out one command; those that do not concern the paper do nothing. Throws Refused when
-  // what it asks for cannot be printed; everything else is as before then.
+  // Carries out one command; those that do not concern the paper do nothing. Throws Refused for
+  // what cannot be printed, when all that can be is.
   void execute(const Command& command);
 
   // A picture of the printer's own, where the till has one printed.
@@ -80,6 +80,7 @@ class Typesetter {
   bool open_is_positioned_ = false;
   Line open_;
   std::optional<Receipt> page_;  // its length is how far down the next line stands
+  std::size_t lines_beyond_page_ = 0;
   Receipt paper_;
   std::size_t printed_lines_ = 0;
 

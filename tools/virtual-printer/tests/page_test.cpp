@@ -158,6 +158,10 @@ TEST(Position, beyond_the_paper_goes_to_the_next_line) {
   EXPECT_EQ(receipt.lines[1].cells[0].left, 0);
 }
 
+TEST(Position, beyond_the_paper_feeds_nothing_by_itself) {
+  EXPECT_THAT(printed(at('X', 65535) + "b\n").lines, SizeIs(1));
+}
+
 TEST(Position, down_the_paper_has_no_effect_outside_a_page) {
   EXPECT_EQ(printed(at('Y', 500) + "a\n").lines[0].top, 0);
 }
@@ -212,27 +216,20 @@ TEST(Page, that_is_left_is_forgotten) {
 }
 
 TEST(Page, ends_where_it_is_longest) {
+  const std::string beyond = "lines beyond the end of the page: 1";
   EXPECT_EQ(refusal_of(kPage + at(0, kLongestPage - 24) + "a\n" + kPrintPage), "");
-  EXPECT_EQ(refusal_of(kPage + at(0, kLongestPage - 23) + "a\n"),
-            "a line beyond the end of the page");
-  EXPECT_EQ(refusal_of(kPage + at(0, 65535) + picture(1)), "a line beyond the end of the page");
-  EXPECT_EQ(refusal_of(kPage + std::string(100000, '\n') + "a\n"),
-            "a line beyond the end of the page");
+  EXPECT_EQ(refusal_of(kPage + at(0, kLongestPage - 23) + "a\n" + kPrintPage), beyond);
+  EXPECT_EQ(refusal_of(kPage + at(0, 65535) + picture(1) + kPrintPage), beyond);
+  EXPECT_EQ(refusal_of(kPage + std::string(100000, '\n') + "a" + kPrintPage), beyond);
+  EXPECT_EQ(refusal_of(kPage + at(0, 65535) + "a\n" + kLeavePage + kPage + kPrintPage), "");
 }
 
-TEST(Page, goes_on_after_a_line_beyond_its_end) {
+TEST(Page, prints_what_stands_on_it_although_something_does_not) {
   Typesetter typesetter;
   CommandParser parser;
-  parser.feed(kPage + at(0, 65535) + "lost\n" + at(0, 0) + "kept\n" + kPrintPage);
-  int refused = 0;
-  while (const auto decoded = parser.next()) {
-    try {
-      typesetter.execute(std::get<Command>(*decoded));
-    } catch (const Refused&) {
-      ++refused;
-    }
-  }
-  EXPECT_EQ(refused, 1);
+  parser.feed(kPage + at(0, 65535) + "lost" + at(0, 0) + "kept" + at(0, 65535) + "lost");
+  while (const auto decoded = parser.next()) typesetter.execute(std::get<Command>(*decoded));
+  EXPECT_THROW(typesetter.execute({CommandKind::kPrintPage}), Refused);
   EXPECT_EQ(text_of(typesetter.tear_off()), "kept\n");
 }
 
