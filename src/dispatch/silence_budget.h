@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "dispatch/system.h"
+
 class SilenceBudget {
  public:
   explicit constexpr SilenceBudget(long milliseconds) : full_(milliseconds), left_(milliseconds) {}
@@ -19,3 +21,9 @@ class SilenceBudget {
   long full_;
   long left_;
 };
+
+/// Waits in vain.
+inline void pause_and_spend(SilenceBudget& budget, long milliseconds) {
+  pause_ms(milliseconds);
+  budget.spend(milliseconds);
+}

@@ -85,8 +85,7 @@ long NetworkResend(PortHandle port, std::string_view bytes) {
       sent += static_cast<std::size_t>(count);
       budget.restore();
     } else {
-      pause_ms(kSendPause);
-      budget.spend(kSendPause);
+      pause_and_spend(budget, kSendPause);
     }
   }
   return static_cast<long>(sent);

@@ -47,8 +47,7 @@ long ParallelWritePort(PortHandle port, std::string_view bytes) {
   std::size_t written = last;
   while (written < bytes.size() && !budget.exhausted()) {
     if (last == 0) {
-      pause_ms(kStallPause);
-      budget.spend(kStallPause);
+      pause_and_spend(budget, kStallPause);
     } else {
       budget.restore();
     }

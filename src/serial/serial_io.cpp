@@ -17,18 +17,13 @@ constexpr std::size_t kHandshakePiece = 256;  // bytes sent between two looks at
 
 enum class Line { ready, busy, failed };
 
-void pause_and_spend(SilenceBudget& budget) {
-  pause_ms(kPollPause);
-  budget.spend(kPollPause);
-}
-
 /// Waits for the printer to raise DSR as long as the budget lasts.
 Line wait_for_dsr(PortHandle port, SilenceBudget& budget) {
   while (!budget.exhausted()) {
     const Dsr dsr = read_dsr(port);
     if (dsr == Dsr::unknown) return Line::failed;
     if (dsr == Dsr::up) return Line::ready;
-    pause_and_spend(budget);
+    pause_and_spend(budget, kPollPause);
   }
   return Line::busy;
 }
@@ -88,7 +83,7 @@ long SerialWritePort(PortHandle port, std::string_view bytes) {
     if (line == Line::busy) {
       // The descriptor does not block, and a line that cannot be drained (a pseudo-terminal) may
       // be full. That is no failure until the printer has taken nothing for the whole budget.
-      pause_and_spend(budget);
+      pause_and_spend(budget, kPollPause);
       if (budget.exhausted()) return kRefused;
       continue;
     }

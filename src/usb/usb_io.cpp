@@ -26,8 +26,7 @@ long USBWritePort(PortHandle port, std::string_view bytes) {
     if (count > 0) {
       budget.restore();
     } else {
-      pause_ms(kPollPause);
-      budget.spend(kPollPause);
+      pause_and_spend(budget, kPollPause);
     }
   }
   return static_cast<long>(written);
@@ -40,9 +39,8 @@ void USBWriteNow(PortHandle port, std::string_view bytes) {
 
 long USBReadPortPrv(PortHandle port, std::span<char> buffer, ReadPatience patience) {
   // The pause comes before the read, which then waits for as long as the printer takes.
-  for (SilenceBudget pause(patience.silence_ms); !pause.exhausted(); pause.spend(kPollPause)) {
-    pause_ms(kPollPause);
-  }
+  SilenceBudget pause(patience.silence_ms);
+  while (!pause.exhausted()) pause_and_spend(pause, kPollPause);
   const UsbPorts::Use node(port);
   return read_once(node, buffer);
 }

@@ -52,7 +52,6 @@ class Net : public ScriptedTest {
 
 TEST_F(Net, connects_within_a_second_and_asks) {
   ASSERT_EQ(OpenPort(kPort, "9100"), 0);
-  const std::string options = std::to_string(SO_LINGER);
   EXPECT_THAT(kernel.log(),
               ElementsAre("socket = 700",
                           "setsockopt " + std::to_string(SO_LINGER) + " 01 00 00 00 00 00 00 00",

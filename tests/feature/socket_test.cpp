@@ -213,7 +213,6 @@ TEST_F(Socket, a_printer_that_drains_slowly_gets_every_byte) {
 }
 
 TEST_F(Socket, several_printers_keep_their_own_connections) {
-  // Their names differ within the loopback's network.
   SocketPrinter second;
   second.answer(kEnableReports, kHealthy);
   second.start();

@@ -358,7 +358,7 @@ ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view 
     return -1;
   }
   Device& device = this->device(descriptor);
-  const std::string taken(given.substr(0, met.at_most));
+  const std::string taken{given.substr(0, met.at_most)};
   device.output += taken;
   device.writes.push_back(taken);
   device.message_ += taken;
