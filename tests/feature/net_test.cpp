@@ -19,21 +19,14 @@ const std::string kEnableReports = "\x1d\x61\xff";
 const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
 const std::string kDiagnostic = "LINK\n";
 
-class Net : public ScriptedTest {
+class Net : public OnePrinter {
  protected:
-  Net() { printer.answer_ready(); }
+  Net() : OnePrinter(kPort) {}
 
   void open() {
     ASSERT_EQ(OpenPort(kPort, "9100"), 0);
     forget();
   }
-  void forget() {
-    printer.output.clear();
-    printer.writes.clear();
-    kernel.forget_calls();
-    started_ms = kernel.now_ms();
-  }
-  int64_t elapsed_ms() const { return kernel.now_ms() - started_ms; }
 
   /// The log without the flag calls and options of a connect.
   std::vector<std::string> main_log() const {
@@ -43,9 +36,6 @@ class Net : public ScriptedTest {
     }
     return lines;
   }
-
-  Device& printer = kernel.plug(kPort);
-  int64_t started_ms = 0;
 };
 
 // ---------------------------------------------------------------------------- connecting

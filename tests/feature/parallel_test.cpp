@@ -19,19 +19,15 @@ const std::string kHealthy("\x14\x00\x00\x0f", 4);
 constexpr unsigned char kNoError = 0x08;
 constexpr unsigned char kNotBusy = 0x80;
 
-class Parallel : public ScriptedTest {
+class Parallel : public OnePrinter {
  protected:
-  Parallel() { printer.answer_ready(); }
+  Parallel() : OnePrinter(kPort) {}
 
   void open() {
     ASSERT_EQ(OpenPort(kPort, nullptr), 0);
     printer.mute();
-    printer.output.clear();
-    printer.writes.clear();
-    kernel.forget_calls();
-    started_ms = kernel.now_ms();
+    forget();
   }
-  int64_t elapsed_ms() const { return kernel.now_ms() - started_ms; }
 
   /// Busy now, and online again after so long.
   void busy_for(int64_t ms) {
@@ -39,8 +35,6 @@ class Parallel : public ScriptedTest {
     kernel.at(kernel.now_ms() + ms, [this] { printer.status_lines = kNoError | kNotBusy; });
   }
 
-  Device& printer = kernel.plug(kPort);
-  int64_t started_ms = 0;
   const std::string hundred = std::string(60, 'a') + std::string(40, 'b');
 };
 

@@ -14,25 +14,17 @@ using testing::ElementsAre;
 
 constexpr char kPort[] = "/dev/ttyS0";
 
-class SerialIo : public ScriptedTest {
+class SerialIo : public OnePrinter {
  protected:
-  SerialIo() { open("9600,none,8,1,none"); }
+  SerialIo() : OnePrinter(kPort) { open("9600,none,8,1,none"); }
 
   void open(const char* settings) {
     ClosePort(kPort);
     printer.answer_ready();
     EXPECT_EQ(OpenPort(kPort, settings), 0);
     printer.mute();
-    printer.output.clear();
-    printer.writes.clear();
-    kernel.forget_calls();
-    started_ms = kernel.now_ms();
+    forget();
   }
-
-  int64_t elapsed_ms() const { return kernel.now_ms() - started_ms; }
-
-  Device& printer = kernel.plug(kPort);
-  int64_t started_ms = 0;
 };
 
 class SerialHandshake : public SerialIo {

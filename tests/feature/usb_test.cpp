@@ -15,25 +15,15 @@ constexpr char kPort[] = "/dev/usb/lp0";
 const std::string kEnableReports = "\x1d\x61\xff";
 const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
 
-class Usb : public ScriptedTest {
+class Usb : public OnePrinter {
  protected:
-  Usb() { printer.answer_ready(); }
+  Usb() : OnePrinter(kPort) {}
 
   void open() {
     ASSERT_EQ(OpenPort(kPort, nullptr), 0);
     printer.mute();
     forget();
   }
-  void forget() {
-    printer.output.clear();
-    printer.writes.clear();
-    kernel.forget_calls();
-    started_ms = kernel.now_ms();
-  }
-  int64_t elapsed_ms() const { return kernel.now_ms() - started_ms; }
-
-  Device& printer = kernel.plug(kPort);
-  int64_t started_ms = 0;
 };
 
 // ------------------------------------------------------------------------- open and close

@@ -49,6 +49,24 @@ class ScriptedTest : public testing::Test {
   Kernel& kernel = Kernel::instance();
 };
 
+/// The same with one printer, for what is one link's own.
+class OnePrinter : public ScriptedTest {
+ protected:
+  explicit OnePrinter(const char* port) : printer(kernel.plug(port)) { printer.answer_ready(); }
+
+  /// Forgets what was sent and called so far, and counts time from now on.
+  void forget() {
+    printer.output.clear();
+    printer.writes.clear();
+    kernel.forget_calls();
+    started_ms = kernel.now_ms();
+  }
+  int64_t elapsed_ms() const { return kernel.now_ms() - started_ms; }
+
+  Device& printer;
+  int64_t started_ms = 0;
+};
+
 /// The same for each link, with a port of it open and a printer behind that is ready.
 class EveryLink : public ScriptedTest, public testing::WithParamInterface<Link> {
  protected:
