@@ -249,7 +249,7 @@ TZV_API long ClaimDevice(const char* portName, long TimeoutMillis);
  */
 TZV_API long InitNET(const char* portName);
 
-/* Tells the monitors of all ports of the link to end, which they do within one cycle (500 ms).
+/* Tells the monitors of all ports of the link to end; they do within one cycle (500 ms).
  * Waits 1 s on a parallel port. On a network it has the printer report once more (GS a 255) and
  * waits 300 ms.
  *
@@ -462,7 +462,9 @@ TZV_API long Print2DBarCode(const char* portName, const char* BarcodeData, long 
 /* Places a QR Code on the page (GS ( k, GS } X, GS } Y). TZV_BARCODE_PDF417 prints a QR Code too,
  * with Param1 as its model and Param2 as its module size.
  *
- * PosX, PosY  position in dots, 0 to 65535; the other arguments and the results as Print2DBarCode
+ * PosX, PosY  position in dots, 0 to 65535
+ *
+ * Other arguments as Print2DBarCode. Results as Print2DBarCode.
  */
 TZV_API long Print2DBarCodeXY(const char* portName, const char* BarcodeData, long DataLength,
                               long Symbology, long Param1, long Param2, long PosX, long PosY);

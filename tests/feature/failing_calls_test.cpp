@@ -38,14 +38,7 @@ class FailingCalls : public testing::TestWithParam<std::tuple<Link, Operation>> 
     reset_library();
     kernel.reset(true);
     Device& printer = kernel.plug(port);
-    printer.modem_lines = 0xffff;
-    printer.answer_ready();
-    printer.confirm_jobs();
-    printer.answer("x", "_1");
-    printer.answer("\035IC", "_AB");
-    printer.answer("\035ID", "_ABCDEFGV1");
-    printer.answer("\033#BM?", "_BM");
-    printer.answer("\033#SENSOR", std::string("_1\0", 3));
+    printer.answer_everything();
     printer.answer("\x1d#\x02_1n", "0");
     if (operation.name != "OpenPort") {
       ASSERT_EQ(OpenPort(port, link.settings.c_str()), 0);

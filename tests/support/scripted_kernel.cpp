@@ -109,6 +109,18 @@ void Device::answer_ready() {
   answer({"\x10\x04\x04", 3}, "\x12");
 }
 
+void Device::answer_everything() {
+  modem_lines = 0xffff;
+  answer_ready();
+  confirm_jobs();
+  answer("x", "_1");
+  answer({"\x10\x04\x01", 3}, "\x16");
+  answer("\035IC", "_AB-123");
+  answer("\035ID", "_1234567V1.23");
+  answer("\033#BM?", "_BM");
+  answer("\033#SENSOR", std::string("_1\0", 3));
+}
+
 Kernel& Kernel::instance() {
   // Never destroyed: the library's unload hook still makes calls after the program's own end.
   static Kernel& kernel = *new Kernel;

@@ -83,6 +83,9 @@ class Device {
   void mute() { answers_.clear(); }
   /// Answers an open as a printer that is ready.
   void answer_ready();
+  /// Answers an open, every query, and the command "x" that tests send; confirms jobs, and stands
+  /// ready on its lines.
+  void answer_everything();
   /// Whenever a write ends with a process-ID request, confirms it `delay_ms` later.
   void confirm_jobs(int64_t delay_ms = 0);
 
