@@ -4,7 +4,8 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TZVIO)
 
 install(TARGETS tzvio EXPORT TZVIOTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/tzvio.h include/tzvio_state.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES include/tzvio.h include/tzvio_state.h include/tzvio_unifiedpos.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(EXPORT TZVIOTargets NAMESPACE TZVIO:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/TZVIOConfig.cmake.in ${PROJECT_BINARY_DIR}/TZVIOConfig.cmake

@@ -13,7 +13,7 @@ stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 cmake --install "$build" --prefix "$stage/usr" >"$stage/log" || { cat "$stage/log"; exit 1; }
 
-for file in "$libdir/libTZVIO.so.0" "$libdir/libTZVIO.so" include/tzvio.h include/tzvio_state.h \
+for file in "$libdir/libTZVIO.so.0" "$libdir/libTZVIO.so" include/tzvio.h include/tzvio_state.h include/tzvio_unifiedpos.h \
   "$libdir/pkgconfig/tzvio.pc" "$libdir/cmake/TZVIO/TZVIOConfig.cmake"; do
   [ -e "$stage/usr/$file" ] || { echo "not installed: $file"; exit 1; }
 done
