@@ -4,6 +4,7 @@
 #                 LINK=serial, usb or parallel over one of these; with FAULT=paper-out, cover-open,
 #                 cutter-jam, power-off or connection-lost something goes wrong
 #   make test     build the 32-bit library and run every test
+#   make manual   the manual, as pages for man and for a browser, in build/native/manual
 #   make format   format the sources; make lint checks them
 #   make bench    how fast things are, in both widths
 #   make sanitize the same tests natively, under the sanitizers
@@ -19,7 +20,7 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench sanitize format lint clean FORCE
+.PHONY: all demo test bench manual sanitize format lint clean FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -42,6 +43,12 @@ bench-%:
 	@cmake --preset $* -DTZVIO_BENCHMARKS=ON >/dev/null
 	@cmake --build --preset $* --parallel $(JOBS) --target benchmarks
 	@set -e; for program in build/$*/benchmarks/*; do $$program $(BENCH); done
+
+manual:
+	@tools/install-dependencies.sh manual
+	@cmake --preset native >/dev/null
+	@cmake --build --preset native --parallel $(JOBS) --target manual
+	@echo "The manual: $(CURDIR)/build/native/manual/html/tzvio.html"
 
 sanitize: $(PRESETS:%=sanitize-%)
 sanitize-%:

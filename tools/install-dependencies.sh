@@ -1,17 +1,19 @@
 #!/bin/sh
 # Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
-#   install-dependencies.sh demo|test|bench|lint
+#   install-dependencies.sh demo|test|bench|manual|lint
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
 printer='libcairo2-dev libpango1.0-dev libcli11-dev libzint-dev fonts-dejavu-core'
 scanners='libzxing-dev libzbar-dev'
+manual='python3 lowdown mandoc'
 case ${1-} in
   demo) packages="$build $printer" ;;
-  test) packages="$build $printer $scanners googletest iproute2" ;;
-  bench) packages="$build $printer $scanners googletest dpkg-dev" ;;
+  test) packages="$build $printer $scanners $manual googletest iproute2" ;;
+  bench) packages="$build $printer $scanners $manual googletest dpkg-dev" ;;
+  manual) packages="$build $printer $scanners $manual googletest" ;;
   lint) packages='clang-format clang-tidy' ;;
-  *) echo "usage: $0 demo|test|bench|lint" >&2 && exit 2 ;;
+  *) echo "usage: $0 demo|test|bench|manual|lint" >&2 && exit 2 ;;
 esac
 
 missing=''

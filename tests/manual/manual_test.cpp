@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -61,8 +62,9 @@ INSTANTIATE_TEST_SUITE_P(examples, Manual,
                                           testing::ValuesIn(kManualExamples,
                                                             kManualExamples + kManualExampleCount)),
                          [](const auto& tested) {
-                           return std::get<Link>(tested.param).name + "_" +
-                                  std::get<ManualExample>(tested.param).operation;
+                           std::string name = std::get<ManualExample>(tested.param).name;
+                           std::ranges::replace(name, '-', '_');
+                           return std::get<Link>(tested.param).name + "_" + name;
                          });
 
 TEST_P(Manual, holds) {
@@ -77,7 +79,7 @@ TEST_P(Manual, holds) {
 
 TEST(ManualPages, show_every_operation) {
   std::set<std::string> shown;
-  for (int i = 0; i < kManualExampleCount; ++i) shown.insert(kManualExamples[i].operation);
+  for (int i = 0; i < kManualExampleCount; ++i) shown.insert(kManualExamples[i].name);
   for (const Operation& operation : kAllOperations) EXPECT_TRUE(shown.contains(operation.name));
   EXPECT_TRUE(shown.contains("InitNET"));
 }

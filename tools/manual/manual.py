@@ -108,7 +108,7 @@ def guide_page(page):
 def tables_as_lists(text):
     """A manual page has 80 columns: each row becomes an entry."""
     def rows(match):
-        lines = [[cell.strip() for cell in re.split(r"(?<!\\)\|", line.strip().strip("|"))]
+        lines = [[cell.strip().replace("\\|", "|") for cell in re.split(r"(?<!\\)\|", line.strip().strip("|"))]
                  for line in match.group().strip().split("\n")]
         head = lines[0]
         entries = []
@@ -132,12 +132,20 @@ def html_text(text, names):
     def link(match):
         target = match.group(1)
         return f"[{match.group()}]({target}.html)" if target in names else match.group()
-    return re.sub(r"`([\w-]+)`(?:\(\d\))?", link, text.replace(".md)", ".html)"))
+    text = re.sub(r"\]\((\w[\w-]*)\.md\)", r"](tzvio-\1.html)", text)
+    return re.sub(r"`([\w-]+)`(?:\(\d\))?", link, text)
 
 
 def lowdown(kind, text, *options):
     return subprocess.run(["lowdown", "-s", "--out-no-smarty", f"-T{kind}", *options], input=text, text=True, check=True,
                           capture_output=True).stdout
+
+
+def man_page(name, section, text):
+    """Code is bold, as in other manual pages: the constant-width font that lowdown names is for paper."""
+    roff = lowdown("man", man_text(text), "-M", f"title={name}", "-M", f"section={section}tzvio",
+                   "-M", "source=TZVIO")
+    return re.sub(r"^(\.S[HS])\n(.*)\n(?:\.LP\n)?", r"\1 \2\n", roff.replace(r"\fC", r"\fB"), flags=re.M)
 
 
 def write_pages(out):
@@ -150,9 +158,7 @@ def write_pages(out):
         page = Page(MANUAL / "operations" / f"{operation.name}.md")
         pages[operation.name] = ("3", operation_page(operation, page, rows[operation.name]))
     for name, (section, text) in pages.items():
-        write(out / f"man/man{section}/{name}.{section}tzvio",
-              lowdown("man", man_text(text), "-M", f"title={name}", "-M", f"section={section}tzvio",
-                      "-M", "source=TZVIO"))
+        write(out / f"man/man{section}/{name}.{section}tzvio", man_page(name, section, text))
         write(out / f"html/{name}.html",
               lowdown("html", html_text(text, pages), "-M", f"title={name}", "-M", "css=manual.css"))
     write(out / "html/manual.css", (Path(__file__).parent / "manual.css").read_text())
@@ -172,31 +178,46 @@ def c_string(text):
     return "\n    ".join('"' + line.replace("\\", "\\\\").replace('"', '\\"') + '\\n"' for line in lines)
 
 
-def write_examples(path):
-    _, operations = header.read(ROOT / "include/tzvio.h")
-    functions, entries = [], []
-    for operation in operations:
+def operation_examples():
+    """name, code, its options, what it sends and prints by link"""
+    for operation in header.read(ROOT / "include/tzvio.h")[1]:
         page = Page(MANUAL / "operations" / f"{operation.name}.md")
         (options, code), = page.blocks("c")
+        yield (operation.name, code, options, *(by_link(page.blocks(kind)) for kind in ("hex", "text")))
+
+
+def guide_examples():
+    """Those of the escape sequences are named by their pictures; what each call sends first is said once."""
+    page = Page(MANUAL / "escapes.md")
+    start = re.search(r"^    ((?:[0-9A-F]{2} ?)+)$", page.body, re.M).group(1)
+    pictures = re.findall(r"\]\(pictures/(.*)\.png\)", page.body)
+    for (_, code), (_, sends), name in zip(page.blocks("c"), page.blocks("hex"), pictures, strict=True):
+        yield name, code, [], [f"{start}\n{sends}"] * len(LINKS), [None] * len(LINKS)
+
+
+def by_link(blocks):
+    """The block of each link: its own, or that of all."""
+    found = {" ".join(options): content for options, content in blocks}
+    return [found.get(link, found.get("")) for link in LINKS]
+
+
+def write_examples(path):
+    functions, entries = [], []
+    for name, code, options, sends, prints in (*operation_examples(), *guide_examples()):
+        function = name.replace("-", "_") + "_example"
         body = "\n".join("  " + line if line else "" for line in code.split("\n"))
-        functions.append(f"static void {operation.name}_example(const char* port, const char* settings) {{\n"
+        functions.append(f"static void {function}(const char* port, const char* settings) {{\n"
                          f"  (void)settings;\n{body}\n}}\n")
-        sends, prints = (per_link(page.blocks(kind), kind) for kind in ("hex", "text"))
-        entries.append(f'  {{"{operation.name}", {operation.name}_example, {int("closed" in options)},\n'
-                       f"   {sends},\n   {prints}}},\n")
+        entries.append(f'  {{"{name}", {function}, {int("closed" in options)},\n'
+                       f"   {c_strings(sends, '0')},\n   {c_strings(prints, c_string(''))}}},\n")
     path.write_text("#include <stdio.h>\n#include <tzvio.h>\n#include <unistd.h>\n\n"
                     '#include "manual_examples.h"\n\n' + "\n".join(functions) +
                     "\nconst struct ManualExample kManualExamples[] = {\n" + "".join(entries) + "};\n"
                     f"const int kManualExampleCount = {len(entries)};\n")
 
 
-def per_link(blocks, kind):
-    """The block of each link: its own, or that of all; none of `hex` is not looked at."""
-    found = {" ".join(options): content for options, content in blocks}
-    missing = '""' if kind == "text" else "0"
-    values = [found.get(link, found.get("")) for link in LINKS]
-    return "{" + ", ".join(missing if value is None else c_string(value) if value else '""'
-                           for value in values) + "}"
+def c_strings(texts, missing):
+    return "{" + ", ".join(missing if text is None else c_string(text) for text in texts) + "}"
 
 
 def main():

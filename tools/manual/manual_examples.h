@@ -7,7 +7,7 @@ extern "C" {
 #endif
 
 struct ManualExample {
-  const char* operation;
+  const char* name; /* the operation, or the picture of an escape sequence */
   void (*run)(const char* port, const char* settings);
   int port_closed;       /* it opens the port itself */
   const char* sends[4];  /* bytes in hexadecimal numbers, by link: serial, parallel, USB, network */
