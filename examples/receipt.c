@@ -1,15 +1,16 @@
-/* Prints a receipt as one confirmed transaction, and deals with everything that can go wrong.
+/* Prints a receipt with a logo, a voucher and a QR Code as one confirmed transaction, and deals
+ * with everything that can go wrong (confirmed.c).
  *
  *     receipt PORT [SETTINGS]
  *
  * Ends with 0 when the printer has confirmed that the receipt is printed. */
-#define _POSIX_C_SOURCE 200809L /* nanosleep */
+#define _POSIX_C_SOURCE 200809L /* mkstemp */
 #include <stdio.h>
 #include <stdlib.h>
-#include <time.h>
 #include <tzvio.h>
 #include <unistd.h>
 
+#include "confirmed.h"
 #include "logo.h"
 
 static const char* const kSale[] = {
@@ -33,27 +34,6 @@ static const char* const kSale[] = {
 static const char kVoucher[] = "200000100042";
 static const char kFeedback[] = "https://shop.example/visit/4711";
 
-enum { kAttempts = 10, kPatienceSeconds = 60 };
-
-static const char* in_words(long code) {
-  switch (code) {
-    case TZV_STATUS_OK:
-      return "ready";
-    case TZV_STATUS_COVER_OPEN:
-      return "the cover is open";
-    case TZV_STATUS_PAPER_EMPTY:
-      return "paper is out";
-    case TZV_STATUS_OFFLINE:
-      return "offline, or no confirmation came";
-    case TZV_STATUS_PAPER_NEAR_EMPTY:
-      return "paper is near its end";
-    case TZV_STATUS_CUTTER_JAM:
-      return "the cutter is jammed";
-    default:
-      return "the port does not work";
-  }
-}
-
 /* The file is there only while it is printed. */
 static long print_logo(const char* port) {
   char path[] = "/tmp/receipt-logo-XXXXXX";
@@ -75,39 +55,13 @@ static void print_symbols(const char* port) {
   PrintNormal(port, "\x1b|cA\x1b|3CSee you soon\n");
 }
 
-/* The whole receipt in one transaction; 0 when it is on paper. */
 static long print_receipt(const char* port) {
-  if (TransactionPrint(port, TZV_TRANSACTION_BEGIN) != 0) return TZV_FAILED;
   if (print_logo(port) != 0) return TZV_FAILED;
   for (unsigned i = 0; i < sizeof kSale / sizeof *kSale; ++i) {
     if (PrintNormal(port, kSale[i]) != 0) return TZV_FAILED;
   }
   print_symbols(port);
-  CutPaper(port, 100);
-  return TransactionPrint(port, TZV_TRANSACTION_END);
-}
-
-/* An empty transaction is confirmed when everything before it is printed. */
-static long confirm_what_was_sent(const char* port) {
-  TransactionPrint(port, TZV_TRANSACTION_BEGIN);
-  return TransactionPrint(port, TZV_TRANSACTION_END);
-}
-
-/* Waits until the printer is ready. Returns whether it was seen in a state in which it keeps what
- * it has received: cover, paper or cutter, rather than without power. */
-static int wait_until_ready(const char* port, long code) {
-  const struct timespec pause = {0, 20 * 1000 * 1000};
-  int keeps_data = 0;
-  for (int looks = 0; looks < kPatienceSeconds * 50; ++looks) {
-    keeps_data |= code == TZV_STATUS_COVER_OPEN || code == TZV_STATUS_PAPER_EMPTY ||
-                  code == TZV_STATUS_CUTTER_JAM;
-    if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) break;
-    nanosleep(&pause, NULL);
-    /* Any write makes a lost network connection anew, even one of nothing. */
-    if (looks % 50 == 49) WritePort(port, "", 0);
-    code = GetError(port);
-  }
-  return keeps_data;
+  return CutPaper(port, 100);
 }
 
 int main(int argc, char** argv) {
@@ -122,19 +76,7 @@ int main(int argc, char** argv) {
   ClaimDevice(port, 0);
   wait_until_ready(port, TZV_STATUS_OFFLINE);
 
-  long result = print_receipt(port);
-  for (int attempt = 1; result != 0 && result != TZV_FAILED && attempt < kAttempts; ++attempt) {
-    printf("not confirmed: %ld, %s\n", result, in_words(result));
-    if (wait_until_ready(port, result)) {
-      /* The printer held what it had received and prints on: ask, rather than print it twice. */
-      result = confirm_what_was_sent(port);
-    } else {
-      /* Nobody can say what became of it. A receipt printed twice can be torn off; one that is
-       * missing cannot be put back. */
-      result = print_receipt(port);
-    }
-  }
-  printf(result == 0 ? "confirmed: the receipt is printed\n" : "given up: %ld\n", result);
+  const long result = print_confirmed(port, print_receipt);
   ReleaseDevice(port);
   ClosePort(port);
   return result == 0 ? 0 : 1;

@@ -203,17 +203,19 @@ PrinterTest::Words PrinterTest::till(const std::string& scenario, const std::str
           seconds};
 }
 
+PrinterTest::Words PrinterTest::program(const std::string& path, const Words& words) {
+  Words command{"/bin/sh", "-c",
+                R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS" "$@")", path};
+  command.insert(command.end(), words.begin(), words.end());
+  return command;
+}
+
 PrinterTest::Words PrinterTest::receipt() {
-  return {"/bin/sh", "-c", R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS")",
-          RECEIPT_PROGRAM};
+  return program(RECEIPT_PROGRAM);
 }
 
 PrinterTest::Words PrinterTest::pictures_till(const Words& words) {
-  Words command{"/bin/sh", "-c",
-                R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS" "$@")",
-                PICTURES_TILL_PROGRAM};
-  command.insert(command.end(), words.begin(), words.end());
-  return command;
+  return program(PICTURES_TILL_PROGRAM, words);
 }
 
 std::string PrinterTest::request(const std::string& words) {

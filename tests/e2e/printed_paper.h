@@ -64,8 +64,10 @@ class PrinterTest : public testing::Test {
   // Changes a condition or a setting of the running printer; whether it took effect.
   bool set(const std::string& name, const std::string& value) const;
 
-  // The command of a till, by scenario, which waits so long for anything; and of the example. The
-  // shell puts in what the printer says about its port.
+  // The command of a program that takes a port, its settings, and these words. The shell puts in
+  // what the printer says about its port.
+  static Words program(const std::string& path, const Words& words = {});
+  // The same for a till, by scenario, which waits so long for anything; and for the example.
   static Words till(const std::string& scenario, const std::string& seconds = "30");
   static Words receipt();
   // The command of a till that prints pictures and symbols, by its words.

@@ -1,0 +1,70 @@
+#define _POSIX_C_SOURCE 200809L /* nanosleep */
+#include "confirmed.h"
+
+#include <stdio.h>
+#include <time.h>
+#include <tzvio.h>
+
+enum { kAttempts = 10, kPatienceSeconds = 60 };
+
+const char* in_words(long code) {
+  switch (code) {
+    case TZV_STATUS_OK:
+      return "ready";
+    case TZV_STATUS_COVER_OPEN:
+      return "the cover is open";
+    case TZV_STATUS_PAPER_EMPTY:
+      return "paper is out";
+    case TZV_STATUS_OFFLINE:
+      return "offline, or no confirmation came";
+    case TZV_STATUS_PAPER_NEAR_EMPTY:
+      return "paper is near its end";
+    case TZV_STATUS_CUTTER_JAM:
+      return "the cutter is jammed";
+    default:
+      return "the port does not work";
+  }
+}
+
+int wait_until_ready(const char* port, long code) {
+  const struct timespec pause = {0, 20 * 1000 * 1000};
+  int keeps_data = 0;
+  for (int looks = 0; looks < kPatienceSeconds * 50; ++looks) {
+    keeps_data |= code == TZV_STATUS_COVER_OPEN || code == TZV_STATUS_PAPER_EMPTY ||
+                  code == TZV_STATUS_CUTTER_JAM;
+    if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) break;
+    nanosleep(&pause, NULL);
+    /* Any write makes a lost network connection anew, even one of nothing. */
+    if (looks % 50 == 49) WritePort(port, "", 0);
+    code = GetError(port);
+  }
+  return keeps_data;
+}
+
+static long print_once(const char* port, long (*print)(const char* port)) {
+  if (TransactionPrint(port, TZV_TRANSACTION_BEGIN) != 0 || print(port) != 0) return TZV_FAILED;
+  return TransactionPrint(port, TZV_TRANSACTION_END);
+}
+
+/* An empty transaction is confirmed when everything before it is printed. */
+static long confirm_what_was_sent(const char* port) {
+  TransactionPrint(port, TZV_TRANSACTION_BEGIN);
+  return TransactionPrint(port, TZV_TRANSACTION_END);
+}
+
+long print_confirmed(const char* port, long (*print)(const char* port)) {
+  long result = print_once(port, print);
+  for (int attempt = 1; result != 0 && result != TZV_FAILED && attempt < kAttempts; ++attempt) {
+    printf("not confirmed: %ld, %s\n", result, in_words(result));
+    if (wait_until_ready(port, result)) {
+      /* The printer held what it had received and prints on: ask, rather than print it twice. */
+      result = confirm_what_was_sent(port);
+    } else {
+      /* Nobody can say what became of it. A receipt printed twice can be torn off; one that is
+       * missing cannot be put back. */
+      result = print_once(port, print);
+    }
+  }
+  printf(result == 0 ? "confirmed: the receipt is printed\n" : "given up: %ld\n", result);
+  return result;
+}
