@@ -17,3 +17,7 @@ install(FILES ${PROJECT_BINARY_DIR}/TZVIOConfig.cmake ${PROJECT_BINARY_DIR}/TZVI
 
 configure_file(cmake/tzvio.pc.in ${PROJECT_BINARY_DIR}/tzvio.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tzvio.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(TZVIO_CLI)
+  install(FILES tools/udev/70-tzvio.rules DESTINATION lib/udev/rules.d)
+endif()
