@@ -12,7 +12,7 @@ for source in "$docs"/operations/*.md "$docs"/*.md; do
   name=$(basename "$source" .md)
   case $source in
     */operations/*) page="man3/$name.3tzvio" ;;
-    */README.md) name=tzvio page=man7/tzvio.7tzvio ;;
+    */first-steps.md | */README.md) name=tzvio page=man7/tzvio.7tzvio ;;
     *) name="tzvio-$name" page="man7/$name.7tzvio" ;;
   esac
   [ -s "$pages/man/$page" ] || complain "no page $page"

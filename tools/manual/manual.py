@@ -24,7 +24,7 @@ COLUMNS = {"serial": "Serial", "parallel": "Parallel", "usb": "USB", "network": 
 def guides():
     """Those in the order of the index, without it."""
     index = (MANUAL / "README.md").read_text()
-    names = re.findall(r"\]\((\w[\w-]*)\.md\)", index)
+    names = re.findall(r"\]\((\w[\w-]*)\.md\) \|", index)
     return [Page(MANUAL / f"{name}.md") for name in names]
 
 
@@ -94,10 +94,11 @@ def overview(top, operations):
             body.append(("" if body[-1].lstrip("\n").startswith("    ") else "\n") + line)
         else:
             body.append(("\n" if body[-1].lstrip("\n").startswith("    ") else "") + plain(line.strip()))
+    first_steps = Page(MANUAL / "first-steps.md").body
     names = "\n\n".join(f"`{each.name}`(3)\n: {plain(each.summary)}" for each in operations)
     others = "\n\n".join(f"`tzvio-{page.name}`(7)\n: {page.title}" for page in guides())
     return (f"# NAME\n\ntzvio - {plain(title.removeprefix('TZVIO: ').rstrip('.'))}\n\n# DESCRIPTION\n\n" + "\n".join(body) +
-            f"\n\n# OPERATIONS\n\n{names}\n\n# GUIDES\n\n{others}\n")
+            f"\n\n# FIRST STEPS\n{first_steps}\n\n# OPERATIONS\n\n{names}\n\n# GUIDES\n\n{others}\n")
 
 
 def guide_page(page):
