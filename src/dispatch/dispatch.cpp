@@ -1,5 +1,6 @@
 // The exported operations, the choice of transport by port name, and the load and unload hooks.
 #include "dispatch/port_impl.h"
+#include "dispatch/port_operations.h"
 #include "dispatch/results.h"
 #include "status/claim.h"
 #include "tzvio.h"
@@ -47,6 +48,7 @@ TZV_API __attribute__((constructor)) void libConstructor() {
 }
 
 TZV_API __attribute__((destructor)) void libDestructor() {
+  if (!opened_by_this_process()) return;
   // Before a port closes, and before the code of the threads is unmapped.
   end_all_monitors();
   for (const PortImpl& impl : impls) {

@@ -1,5 +1,8 @@
 #include "dispatch/port_operations.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <cstring>
 
 #include "status/collected_job.h"
@@ -7,6 +10,8 @@
 #include "status/queries.h"
 
 namespace {
+
+std::atomic<pid_t> last_opener = 0;
 
 void leave_modes(const TransportState& state) {
   state.bProtocolStatus = 0;
@@ -47,6 +52,7 @@ long open_port(const Transport& transport, const char* portName, const char* por
   const int entry = transport.registry.find_free();
   if (entry < 0 || std::strlen(portName) >= kPortNameSize) return kFailed;
 
+  last_opener = getpid();
   const Opened opened = transport.open(entry, portName, portSettings);
   if (opened.result != kOk || opened.settled) return opened.result;
   reset_for_fresh_port(transport.state);
@@ -73,6 +79,10 @@ long close_port(const Transport& transport, const char* portName) {
   if (!port) return kFailed;
   close_open_port(transport, port);
   return 0;
+}
+
+bool opened_by_this_process() {
+  return last_opener == getpid();
 }
 
 void release_ports(const Transport& transport) {

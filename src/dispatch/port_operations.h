@@ -15,6 +15,10 @@ long read_port(const Transport& transport, const char* portName, char* readBuffe
 long close_port(const Transport& transport, const char* portName);
 void release_ports(const Transport& transport);
 
+/// Whether a port was opened by this process since. A forked child that merely ends has ports to
+/// release that are its parent's, and locks that threads may hold which it does not have.
+bool opened_by_this_process();
+
 /// 0 when the name begins with one of the prefixes, else -3.
 long match_prefixes(std::span<const std::string_view> prefixes, const char* portName);
 

@@ -1,6 +1,8 @@
 // A transport's registry: 20 entries, found by name.
 #pragma once
 
+#include <unistd.h>
+
 #include <cstddef>
 #include <cstring>
 #include <utility>
@@ -42,6 +44,7 @@ struct PortRegistry {
 struct SharedDescriptor {
   int number;
   int users;
+  pid_t opener;
 };
 
 /// Implements a `PortRegistry` over one transport's exported array of entries. Callers and
@@ -205,7 +208,7 @@ class RegistryOf {
   static SharedDescriptor* share(int number) {
     for (SharedDescriptor& free : descriptors_) {
       if (free.users != 0) continue;
-      free = {number, 1};
+      free = {number, 1, getpid()};
       return &free;
     }
     return nullptr;
@@ -213,13 +216,18 @@ class RegistryOf {
 
   static void leave(SharedDescriptor* shared) {
     if (shared == nullptr) return;
-    int number = -1;
+    SharedDescriptor last;
     {
       const MutexLock lock(mutex_);
       if (--shared->users > 0) return;
-      number = shared->number;
+      last = *shared;
     }
-    hang_up(number);
+    // To a forked child what is under way belongs to its parent, and so does a claim.
+    if (last.opener == getpid()) {
+      hang_up(last.number);
+    } else {
+      close(last.number);
+    }
   }
 
   static inline pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;

@@ -4,16 +4,21 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdarg>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -21,8 +26,15 @@ constexpr char kPort[] = "/dev/ttyS-unload";
 
 std::string terminal;          // what stands behind the port's name
 std::atomic<int> opened = -1;  // the descriptor that the library got
+int* flushes = nullptr;        // how often what waits on it was discarded, by whatever process
 
 }  // namespace
+
+extern "C" int tcflush(int device, int queue) noexcept {
+  if (flushes != nullptr) ++*flushes;
+  static const auto libc = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "tcflush"));
+  return libc(device, queue);
+}
 
 extern "C" int open(const char* path, int flags, ...) {
   va_list arguments;
@@ -119,6 +131,37 @@ TEST_F(Unload, ends_a_running_monitor_and_an_open_transaction) {
   EXPECT_FALSE(is_mapped());
   // A thread of the library's that still ran would run into nothing now.
   std::this_thread::sleep_for(std::chrono::milliseconds(600));
+}
+
+/// Its exit status, or -1 when it does not end in time.
+int wait_for(pid_t child) {
+  for (int tenths = 0; tenths < 100; ++tenths) {
+    int status = 0;
+    if (waitpid(child, &status, WNOHANG) == child)
+      return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  return -1;
+}
+
+TEST_F(Unload, of_a_forked_child_disturbs_nothing) {
+  ASSERT_EQ(call("OpenPort", "9600,none,8,1,none"), 0);
+  ASSERT_EQ(call("ClaimDevice", 0L), 0);
+  flushes = static_cast<int*>(
+      mmap(nullptr, sizeof(int), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+  const pid_t child = fork();
+  if (child == 0) std::exit(7);  // which runs the library's unloading
+  EXPECT_EQ(wait_for(child), 7);
+  const pid_t closer = fork();
+  if (closer == 0) std::exit(static_cast<int>(call("ClosePort")));
+  EXPECT_EQ(wait_for(closer), 0);
+  EXPECT_EQ(*flushes, 0);
+  EXPECT_EQ(call("WritePort", "x", 1L), 1);
+  unload();
+  EXPECT_EQ(*flushes, 1);
+  munmap(std::exchange(flushes, nullptr), sizeof(int));
 }
 
 TEST_F(Unload, without_a_port_leaves_nothing_to_do) {
