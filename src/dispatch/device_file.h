@@ -11,7 +11,7 @@
 
 /// The descriptor, or -1.
 inline int open_device_file(const char* path, int flags) {
-  return retry_interrupted([&] { return open(path, flags); });
+  return beyond_standard_streams(retry_interrupted([&] { return open(path, flags); }));
 }
 
 /// The count, or -1.

@@ -1,6 +1,7 @@
 // The few habits that every system call of the library shares.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/select.h>
 #include <unistd.h>
 
@@ -19,6 +20,16 @@ auto retry_interrupted(Call call) {
 inline void pause_ms(long milliseconds) {
   if (milliseconds >= 1000) sleep(static_cast<unsigned>(milliseconds / 1000));
   if (milliseconds % 1000 > 0) usleep(static_cast<useconds_t>(milliseconds % 1000) * 1000);
+}
+
+/// A till without a terminal may have closed its standard streams, and the next open gets their
+/// numbers: messages of the till's would be printed on the receipt. The same file under another
+/// number, or -1.
+inline int beyond_standard_streams(int descriptor) {
+  if (descriptor < 0 || descriptor > STDERR_FILENO) return descriptor;
+  const int moved = fcntl(descriptor, F_DUPFD, STDERR_FILENO + 1);
+  close(descriptor);
+  return moved;
 }
 
 /// Whether select() can hold a descriptor: beyond its sets it would write outside of them.

@@ -66,7 +66,8 @@ Connection give_up_socket(int sock) {
 }  // namespace
 
 Connection connect_to(const NETPort& printer) {
-  const int sock = retry_interrupted([] { return socket(AF_INET, SOCK_STREAM, 0); });
+  const int sock =
+      beyond_standard_streams(retry_interrupted([] { return socket(AF_INET, SOCK_STREAM, 0); }));
   if (sock == -1) return {};
   // select() could not wait for it.
   if (!select_can_hold(sock)) return give_up_socket(sock);
