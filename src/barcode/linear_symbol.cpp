@@ -148,14 +148,23 @@ void add_justification(Block& block, int32_t alignment) {
 
 }  // namespace
 
-std::size_t build_linear_symbol(const LinearSymbol& symbol, const LinearSettings& settings,
+std::optional<DataLengths> data_lengths(int32_t number) {
+  const Symbology* const symbology = find_symbology(number);
+  if (symbology == nullptr) return std::nullopt;
+  return DataLengths{symbology->shortest, symbology->longest, symbology->even};
+}
+
+BuiltSymbol build_linear_symbol(const LinearSymbol& symbol, const LinearSettings& settings,
                                 std::span<char, kLinearBlockSize> bytes) {
   // The width in the caller's unit against dots, as it stands: applications size their symbols by
   // it.
-  if (symbol.width > settings.line_width) return 0;
+  if (symbol.width > settings.line_width) return {0, LinearFault::kTooWide};
   const Symbology* const symbology = find_symbology(symbol.symbology);
-  if (symbology == nullptr || !takes_length(*symbology, symbol.data.size())) return 0;
-  if (symbol.text_position < TZV_TEXT_NONE || symbol.text_position > TZV_TEXT_BELOW) return 0;
+  if (symbology == nullptr) return {0, LinearFault::kUnknownSymbology};
+  if (!takes_length(*symbology, symbol.data.size())) return {0, LinearFault::kDataLength};
+  if (symbol.text_position < TZV_TEXT_NONE || symbol.text_position > TZV_TEXT_BELOW) {
+    return {0, LinearFault::kTextPosition};
+  }
 
   Block block(bytes);
   add_text_font(block, settings.line_chars);
@@ -170,7 +179,7 @@ std::size_t build_linear_symbol(const LinearSymbol& symbol, const LinearSettings
   block.add("\035k");
   block.add(symbology->type);
   block.add(static_cast<char>(symbol.data.size()));
-  if (symbol.data.size() > block.room()) return 0;
+  if (symbol.data.size() > block.room()) return {0, LinearFault::kBlockTooLong};
   block.add(symbol.data);
-  return block.size();
+  return {block.size(), LinearFault::kNone};
 }

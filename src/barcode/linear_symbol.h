@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -26,6 +27,31 @@ struct LinearSettings {
 /// Bytes of the longest command block.
 inline constexpr std::size_t kLinearBlockSize = 1024;
 
-/// Builds the command block and returns its length, 0 when the symbol cannot be printed as asked.
-std::size_t build_linear_symbol(const LinearSymbol& symbol, const LinearSettings& settings,
+/// What keeps a symbol from being printed as asked.
+enum class LinearFault {
+  kNone,
+  kTooWide,  ///< its width exceeds the line's
+  kUnknownSymbology,
+  kDataLength,  ///< not what the symbology takes
+  kTextPosition,
+  kBlockTooLong,  ///< data that do not fit the block
+};
+
+/// How many bytes of data a symbology takes.
+struct DataLengths {
+  std::size_t shortest, longest;
+  bool even;  ///< pairs only
+};
+
+/// None for an unknown symbology.
+std::optional<DataLengths> data_lengths(int32_t symbology);
+
+/// A command block; `size` is 0 exactly when there is a fault.
+struct BuiltSymbol {
+  std::size_t size;
+  LinearFault fault;
+};
+
+/// Builds the command block.
+BuiltSymbol build_linear_symbol(const LinearSymbol& symbol, const LinearSettings& settings,
                                 std::span<char, kLinearBlockSize> block);

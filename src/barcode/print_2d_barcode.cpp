@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "barcode/data_2d.h"
 #include "dispatch/command.h"
 #include "dispatch/port_operations.h"
 #include "text/alignment.h"
@@ -9,8 +10,6 @@
 #include "tzvio.h"
 
 namespace {
-
-constexpr long kLongestData = 8092;
 
 // Symbol classes of GS ( k.
 constexpr char kPdf417 = '0';
@@ -56,10 +55,10 @@ Setup qr_code_setup(long Param1, long Param2) {
 /// The data to encode; none when it cannot be printed, which counts as success with nothing sent.
 std::optional<std::string_view> data_of(const char* BarcodeData, long DataLength, long Symbology) {
   if (Symbology != TZV_BARCODE_PDF417 && Symbology != TZV_BARCODE_QRCODE) return std::nullopt;
-  if (BarcodeData == nullptr || DataLength < 0 || DataLength > kLongestData) return std::nullopt;
+  if (BarcodeData == nullptr || DataLength < 0 || DataLength > kLongest2dData) return std::nullopt;
   const std::size_t length =
       DataLength != 0 ? static_cast<std::size_t>(DataLength) : std::strlen(BarcodeData);
-  if (length > kLongestData) return std::nullopt;
+  if (length > kLongest2dData) return std::nullopt;
   return std::string_view(BarcodeData, length);
 }
 

@@ -26,7 +26,7 @@ long print_barcode(const Transport& transport, const char* portName, const char*
                                 .line_chars = wrap32(state.RecLineChars),
                                 .map_mode = wrap32(state.MapMode)};
   std::array<char, kLinearBlockSize> block;
-  const std::size_t size = build_linear_symbol(symbol, settings, block);
+  const std::size_t size = build_linear_symbol(symbol, settings, block).size;
   if (size > 0) buffered_write(transport, port, {block.data(), size});
   return kOk;
 }

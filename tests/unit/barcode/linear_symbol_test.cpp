@@ -15,7 +15,7 @@ constexpr LinearSettings kSettings{.line_width = 640, .line_chars = 42, .map_mod
 std::string built(const LinearSymbol& symbol, const LinearSettings& settings = kSettings) {
   std::array<char, kLinearBlockSize> block;
   block.fill('~');
-  const std::size_t size = build_linear_symbol(symbol, settings, block);
+  const std::size_t size = build_linear_symbol(symbol, settings, block).size;
   return {block.data(), size};
 }
 
@@ -234,6 +234,39 @@ TEST(LinearSymbol, nothing_is_chosen_beyond_9998_spare_dots) {
   EXPECT_EQ(module_of(symbol_of(TZV_BARCODE_CODE39, "1", 50000), wide), 2);
   // 3 counted characters: 307.2 at module 6, so 9999 + 307 is the first with too much to spare.
   EXPECT_EQ(module_of(symbol_of(TZV_BARCODE_CODE39, "1", 10305), wide), 6);
+}
+
+// ---------------------------------------------------------------------------------- fault
+
+LinearFault fault_of(const LinearSymbol& symbol) {
+  std::array<char, kLinearBlockSize> block;
+  return build_linear_symbol(symbol, kSettings, block).fault;
+}
+
+TEST(LinearSymbol, says_what_keeps_it_from_being_printed) {
+  EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_CODE39, "12")), LinearFault::kNone);
+  EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_CODE39, "12", 641)), LinearFault::kTooWide);
+  EXPECT_EQ(fault_of(symbol_of(112, "12")), LinearFault::kUnknownSymbology);
+  EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_EAN8, "12")), LinearFault::kDataLength);
+  EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_ITF, "123")), LinearFault::kDataLength);
+  EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_CODE128, std::string(1006, 'x'))),
+            LinearFault::kBlockTooLong);
+  LinearSymbol symbol = symbol_of(TZV_BARCODE_CODE39, "12");
+  symbol.text_position = 3;
+  EXPECT_EQ(fault_of(symbol), LinearFault::kTextPosition);
+}
+
+TEST(LinearSymbol, says_how_many_data_a_symbology_takes) {
+  const std::optional<DataLengths> itf = data_lengths(TZV_BARCODE_ITF);
+  ASSERT_TRUE(itf.has_value());
+  EXPECT_EQ(itf->longest, 28U);
+  EXPECT_TRUE(itf->even);
+  const std::optional<DataLengths> ean = data_lengths(TZV_BARCODE_EAN13);
+  ASSERT_TRUE(ean.has_value());
+  EXPECT_EQ(ean->shortest, 12U);
+  EXPECT_EQ(ean->longest, 13U);
+  EXPECT_FALSE(ean->even);
+  EXPECT_FALSE(data_lengths(100).has_value());
 }
 
 // ---------------------------------------------------------------------------------- units
