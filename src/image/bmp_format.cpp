@@ -23,11 +23,12 @@ constexpr std::int64_t aligned_row(std::int64_t bits, std::int64_t width) {
 
 }  // namespace
 
-std::optional<Geometry> measure(const BITMAPINFOHEADER& header, std::size_t bitsSize) {
+Measured measure(const BITMAPINFOHEADER& header, std::size_t bitsSize) {
   const std::int32_t width = header.biWidth;
   const std::int32_t height = header.biHeight;
   const std::int32_t bits = header.biBitCount;
-  if (!is_depth(bits) || width <= 0) return std::nullopt;
+  if (!is_depth(bits)) return {{}, BmpFault::kDepth};
+  if (width <= 0) return {{}, BmpFault::kWidth};
 
   const std::int64_t aligned = aligned_row(bits, width);
   // Rows of 8-bit pictures are read without their padding: where the width is no multiple of four,
@@ -35,14 +36,17 @@ std::optional<Geometry> measure(const BITMAPINFOHEADER& header, std::size_t bits
   const std::int64_t stride = bits == 8 ? width : aligned;
   const std::int64_t row_length = bits == 4 || bits == 8 ? width : aligned;
   const std::int64_t padded_height = std::int64_t{8} * eights(height);
-  if (row_length > kLargestBuffer / padded_height) return std::nullopt;
-  if (stride * std::max(height, 0) > static_cast<std::int64_t>(bitsSize)) return std::nullopt;
+  if (row_length > kLargestBuffer / padded_height) return {{}, BmpFault::kTooLarge};
+  if (stride * std::max(height, 0) > static_cast<std::int64_t>(bitsSize)) {
+    return {{}, BmpFault::kRowsMissing};
+  }
 
-  return Geometry{.cxDib = width,
-                  .cyDib = height,
-                  .cBits = bits,
-                  .newX = eights(width),
-                  .newY = eights(height),
-                  .iRowBytes = static_cast<std::int32_t>(stride),
-                  .tmpbitsSize = static_cast<std::size_t>(row_length * padded_height)};
+  return {Geometry{.cxDib = width,
+                   .cyDib = height,
+                   .cBits = bits,
+                   .newX = eights(width),
+                   .newY = eights(height),
+                   .iRowBytes = static_cast<std::int32_t>(stride),
+                   .tmpbitsSize = static_cast<std::size_t>(row_length * padded_height)},
+          BmpFault::kNone};
 }

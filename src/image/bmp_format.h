@@ -66,6 +66,34 @@ struct Geometry {
   std::int32_t rows() const { return cyDib > 0 ? cyDib : 0; }
 };
 
-/// None when the library cannot print such a picture, or its rows do not fit `bitsSize` bytes.
+/// What keeps a file from being printed.
+enum class BmpFault {
+  kNone,
+  kCannotOpen,
+  kEmpty,
+  kNoBmp,           ///< it does not begin with "BM"
+  kPixelOffset,     ///< it says that its pixels begin within its headers, or behind its end
+  kNoInfoMemory,    ///< no memory for the headers
+  kNoPixelMemory,   ///< none for the pixels
+  kNoRowMemory,     ///< none for the one-bit rows
+  kNoRasterMemory,  ///< none for the columns
+  kHeadersCut,      ///< it ends before its pixels begin
+  kPixelsCut,       ///< it ends before the size that it says
+  kDepth,           ///< its bits per pixel
+  kWidth,
+  kTooLarge,     ///< it needs buffers beyond 31 bits
+  kRowsMissing,  ///< width, height and depth ask for more pixels than it says to have
+};
+
+/// The dimensions of a picture; none exactly when there is a fault.
+struct Measured {
+  std::optional<Geometry> geometry;
+  BmpFault fault;
+};
+
+/// Whether the library can print such a picture, whose rows have to fit `bitsSize` bytes.
 /// Compression, planes and sizes that the header repeats are taken on trust.
-std::optional<Geometry> measure(const BITMAPINFOHEADER& header, std::size_t bitsSize);
+Measured measure(const BITMAPINFOHEADER& header, std::size_t bitsSize);
+
+/// The largest picture that is printed at once, in bytes of eight dots times bands.
+inline constexpr std::int32_t kLargestImage = 2880;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "image/conversion.h"
 
@@ -18,62 +19,91 @@ struct BmpBlocks {
   Bytes pixels;
 };
 
-std::nullopt_t fail(const char* message) {
-  std::fputs(message, stdout);
-  return std::nullopt;
-}
-
-std::optional<BmpBlocks> read_blocks(std::FILE* file) {
+BmpFault read_blocks(std::FILE* file, BmpBlocks& blocks) {
   BITMAPFILEHEADER header{};
-  if (std::fread(&header, 1, sizeof header, file) == 0) {
-    // The file is empty. Scripts know the line as it stands.
-    return fail("bitmap file header malloc() fail\n");
+  if (std::fread(&header, 1, sizeof header, file) == 0) return BmpFault::kEmpty;
+  if (header.bfType != kBmpType) return BmpFault::kNoBmp;
+  if (header.bfOffBits < kSmallestOffset || header.bfOffBits > header.bfSize) {
+    return BmpFault::kPixelOffset;
   }
-  if (header.bfType != kBmpType) return fail("Not Bitmap file\n");
-  if (header.bfOffBits < kSmallestOffset || header.bfOffBits > header.bfSize) return std::nullopt;
-
   const std::size_t infoSize = header.bfOffBits - sizeof header;
-  const std::size_t bitsSize = header.bfSize - header.bfOffBits;
+  blocks.bitsSize = header.bfSize - header.bfOffBits;
   const Bytes info = allocate(infoSize);
-  if (!info) return fail("bitmap info malloc() fail\n");
-  BmpBlocks blocks{.bitsSize = bitsSize, .pixels = allocate(bitsSize)};
-  if (!blocks.pixels) return fail("pBit Malloc() fail\n");
-  if (std::fread(info.get(), infoSize, 1, file) != 1) return fail("size check error\n");
-  if (std::fread(blocks.pixels.get(), bitsSize, 1, file) != 1) return std::nullopt;
+  if (!info) return BmpFault::kNoInfoMemory;
+  blocks.pixels = allocate(blocks.bitsSize);
+  if (!blocks.pixels) return BmpFault::kNoPixelMemory;
+  if (std::fread(info.get(), infoSize, 1, file) != 1) return BmpFault::kHeadersCut;
+  if (std::fread(blocks.pixels.get(), blocks.bitsSize, 1, file) != 1) return BmpFault::kPixelsCut;
   std::memcpy(&blocks.info, info.get(), std::min(infoSize, sizeof blocks.info));
-  return blocks;
+  return BmpFault::kNone;
 }
 
-std::optional<BmpBlocks> read_file(const char* fileName) {
+BmpFault read_file(const char* fileName, BmpBlocks& blocks) {
   const File file(std::fopen(fileName, "rb"));
-  if (!file) {
-    std::printf("File Open Fail=%s\n", fileName);
-    return std::nullopt;
+  return file ? read_blocks(file.get(), blocks) : BmpFault::kCannotOpen;
+}
+
+BmpFault convert(const Geometry& geometry, BmpBlocks& blocks, std::optional<BmpRaster>& loaded) {
+  const Bytes tmppBits = allocate(geometry.tmpbitsSize);
+  if (!tmppBits) return BmpFault::kNoRowMemory;
+  const BitRows rows =
+      to_one_bit(geometry, blocks.info.bmiColors[0], blocks.pixels.get(), tmppBits.get());
+  blocks.pixels.reset();
+
+  BmpRaster raster{geometry.newX, geometry.newY, {}};
+  raster.buffer = allocate(startDataLen + raster.count());
+  if (!raster.buffer) return BmpFault::kNoRasterMemory;
+  std::memset(raster.buffer.get(), 0, startDataLen);
+  to_columns(geometry, rows, raster.buffer.get() + startDataLen);
+  loaded = std::move(raster);
+  return BmpFault::kNone;
+}
+
+/// The lines that scripts know, as they stand; of the other faults nothing is said.
+void say_why(const LoadedBmp& loaded, const char* fileName) {
+  switch (loaded.fault) {
+    case BmpFault::kCannotOpen:
+      std::printf("File Open Fail=%s\n", fileName);
+      break;
+    case BmpFault::kEmpty:
+      std::fputs("bitmap file header malloc() fail\n", stdout);
+      break;
+    case BmpFault::kNoBmp:
+      std::fputs("Not Bitmap file\n", stdout);
+      break;
+    case BmpFault::kNoInfoMemory:
+      std::fputs("bitmap info malloc() fail\n", stdout);
+      break;
+    case BmpFault::kNoPixelMemory:
+      std::fputs("pBit Malloc() fail\n", stdout);
+      break;
+    case BmpFault::kHeadersCut:
+      std::fputs("size check error\n", stdout);
+      break;
+    case BmpFault::kNoRowMemory:
+      std::printf("tmpbits malloc() fail tmpbitsSize=%zu\n", loaded.geometry->tmpbitsSize);
+      break;
+    default:
+      break;
   }
-  return read_blocks(file.get());
 }
 
 }  // namespace
 
+LoadedBmp load_bmp(const char* fileName) {
+  LoadedBmp loaded;
+  BmpBlocks blocks;
+  loaded.fault = read_file(fileName, blocks);
+  if (loaded.fault != BmpFault::kNone) return loaded;
+  const Measured measured = measure(blocks.info.bmiHeader, blocks.bitsSize);
+  loaded.fault = measured.fault;
+  loaded.geometry = measured.geometry;
+  if (loaded.geometry) loaded.fault = convert(*loaded.geometry, blocks, loaded.raster);
+  return loaded;
+}
+
 std::optional<BmpRaster> LoadBmpRaster(const char* fileName) {
-  std::optional<BmpBlocks> file = read_file(fileName);
-  if (!file) return std::nullopt;
-  const std::optional<Geometry> geometry = measure(file->info.bmiHeader, file->bitsSize);
-  if (!geometry) return std::nullopt;
-
-  const Bytes tmppBits = allocate(geometry->tmpbitsSize);
-  if (!tmppBits) {
-    std::printf("tmpbits malloc() fail tmpbitsSize=%zu\n", geometry->tmpbitsSize);
-    return std::nullopt;
-  }
-  const BitRows rows =
-      to_one_bit(*geometry, file->info.bmiColors[0], file->pixels.get(), tmppBits.get());
-  file->pixels.reset();
-
-  BmpRaster raster{geometry->newX, geometry->newY, {}};
-  raster.buffer = allocate(startDataLen + raster.count());
-  if (!raster.buffer) return std::nullopt;
-  std::memset(raster.buffer.get(), 0, startDataLen);
-  to_columns(*geometry, rows, raster.buffer.get() + startDataLen);
-  return raster;
+  LoadedBmp loaded = load_bmp(fileName);
+  if (!loaded.raster) say_why(loaded, fileName);
+  return std::move(loaded.raster);
 }

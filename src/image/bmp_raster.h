@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "dispatch/for_one_call.h"
+#include "image/bmp_format.h"
 
 /// Bytes reserved ahead of the data, so that a command can stand in front without a copy.
 inline constexpr std::size_t startDataLen = 4;
@@ -29,6 +30,16 @@ struct BmpRaster {
     return static_cast<const char*>(static_cast<const void*>(buffer.get()));
   }
 };
+
+/// What became of a file.
+struct LoadedBmp {
+  BmpFault fault = BmpFault::kNone;
+  std::optional<Geometry> geometry;  ///< as soon as the headers are found good
+  std::optional<BmpRaster> raster;   ///< none exactly when there is a fault
+};
+
+/// Loads a file and says nothing.
+LoadedBmp load_bmp(const char* fileName);
 
 /// Loads a file. None when that fails; a line on standard output says why in most cases.
 std::optional<BmpRaster> LoadBmpRaster(const char* fileName);

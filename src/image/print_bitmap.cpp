@@ -13,9 +13,6 @@ namespace {
 constexpr std::string_view kPrintDownloaded[] = {"\035/0", "\035/1", "\035/2", "\035/3"};
 constexpr int kNormalSize = 0;
 
-/// The largest image, in bytes of eight dots times bands.
-constexpr std::int32_t kLargestImage = 2880;
-
 /// Puts GS * x y in front of the data. Only the product of the two is bounded, so a wide and low
 /// picture may wrap its width: the bytes are required to be sent like that.
 std::string_view download_command(BmpRaster& raster) {

@@ -11,13 +11,18 @@ constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
 constexpr std::size_t kEnough = kMost;
 constexpr std::uint16_t kDepths[] = {1, 4, 8, 16, 24, 32};
 
-std::optional<Geometry> measured(std::int32_t width, std::int32_t height, std::uint16_t bits,
-                                 std::size_t bitsSize = kEnough) {
+Measured measured_with_fault(std::int32_t width, std::int32_t height, std::uint16_t bits,
+                             std::size_t bitsSize = kEnough) {
   BITMAPINFOHEADER header{};
   header.biWidth = width;
   header.biHeight = height;
   header.biBitCount = bits;
   return measure(header, bitsSize);
+}
+
+std::optional<Geometry> measured(std::int32_t width, std::int32_t height, std::uint16_t bits,
+                                 std::size_t bitsSize = kEnough) {
+  return measured_with_fault(width, height, bits, bitsSize).geometry;
 }
 
 TEST(Measure, units_of_eight_dots_are_rounded_up_and_at_least_one) {
@@ -100,6 +105,14 @@ TEST(Measure, buffers_beyond_31_bits_are_refused) {
     // 2^13 x 2^16 bytes in one bit.
     EXPECT_EQ(measured(65536, 65536, bits).has_value(), bits == 1) << bits;
   }
+}
+
+TEST(Measure, says_what_is_wrong) {
+  EXPECT_EQ(measured_with_fault(9, 3, 1).fault, BmpFault::kNone);
+  EXPECT_EQ(measured_with_fault(9, 3, 2).fault, BmpFault::kDepth);
+  EXPECT_EQ(measured_with_fault(0, 3, 1).fault, BmpFault::kWidth);
+  EXPECT_EQ(measured_with_fault(1 << 26, 1, 32).fault, BmpFault::kTooLarge);
+  EXPECT_EQ(measured_with_fault(9, 3, 1, 11).fault, BmpFault::kRowsMissing);
 }
 
 }  // namespace

@@ -378,4 +378,35 @@ TEST(BmpFile, with_any_bytes_in_its_headers) {
   }
 }
 
+// ------------------------------------------------------------------------------- the faults
+
+TEST(LoadBmp, says_what_is_wrong_to_its_caller_alone) {
+  const Bmp good{.pixels = hex("80 00 00 00")};
+  Bmp no_bmp = good, offset = good, headers_cut = good, pixels_cut = good, depth = good;
+  no_bmp.type = "PK";
+  offset.offset = 53;
+  headers_cut.offset = 60;
+  headers_cut.size = 100;
+  pixels_cut.size = 59;
+  depth.bits = 2;
+  const std::pair<std::string, BmpFault> rows[] = {
+      {good.file(), BmpFault::kNone},
+      {"", BmpFault::kEmpty},
+      {no_bmp.file(), BmpFault::kNoBmp},
+      {offset.file(), BmpFault::kPixelOffset},
+      {headers_cut.file(), BmpFault::kHeadersCut},
+      {pixels_cut.file(), BmpFault::kPixelsCut},
+      {depth.file(), BmpFault::kDepth},
+  };
+  testing::internal::CaptureStdout();
+  for (const auto& [bytes, fault] : rows) {
+    const TemporaryFile file(bytes);
+    const LoadedBmp loaded = load_bmp(file.path());
+    EXPECT_EQ(loaded.fault, fault);
+    EXPECT_EQ(loaded.raster.has_value(), fault == BmpFault::kNone);
+  }
+  EXPECT_EQ(load_bmp("/no/such/file").fault, BmpFault::kCannotOpen);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
 }  // namespace
