@@ -4,16 +4,18 @@
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
+tool='libcli11-dev nlohmann-json3-dev'
 printer='libcairo2-dev libpango1.0-dev libcli11-dev libzint-dev fonts-dejavu-core'
 scanners='libzxing-dev libzbar-dev'
 manual='python3 lowdown mandoc'
 languages='mono-mcs mono-runtime default-jdk-headless libjna-java'
+everything="$build $tool $printer $scanners $manual $languages googletest"
 case ${1-} in
   demo) packages="$build $printer" ;;
-  test) packages="$build $printer $scanners $manual $languages googletest iproute2" ;;
-  bench) packages="$build $printer $scanners $manual $languages googletest dpkg-dev" ;;
-  manual) packages="$build $printer $scanners $manual $languages googletest" ;;
-  lint) packages='clang-format clang-tidy' ;;
+  test) packages="$everything iproute2" ;;
+  bench) packages="$everything dpkg-dev" ;;
+  manual) packages="$everything" ;;
+  lint) packages="$everything clang-format clang-tidy" ;;
   *) echo "usage: $0 demo|test|bench|manual|lint" >&2 && exit 2 ;;
 esac
 
