@@ -1,7 +1,8 @@
 // The examples that are not the receipt, in C and in other languages, on the virtual printer.
 #include <gmock/gmock.h>
 
-#include "printed_paper.h"
+#include "support/printed_paper.h"
+#include "tills.h"
 
 namespace {
 

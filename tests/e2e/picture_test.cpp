@@ -9,7 +9,8 @@
 #include <vector>
 
 #include "pictures/bmp.h"
-#include "printed_paper.h"
+#include "support/printed_paper.h"
+#include "tills.h"
 
 namespace {
 

@@ -5,7 +5,8 @@
 #include <ostream>
 #include <string_view>
 
-#include "printed_paper.h"
+#include "support/printed_paper.h"
+#include "tills.h"
 
 namespace {
 

@@ -8,7 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "printed_paper.h"
+#include "support/printed_paper.h"
+#include "tills.h"
 
 namespace {
 

@@ -4,7 +4,8 @@
 #include <cstdlib>
 #include <ostream>
 
-#include "printed_paper.h"
+#include "support/printed_paper.h"
+#include "tills.h"
 
 namespace {
 

@@ -53,6 +53,8 @@ class PrinterTest : public testing::Test {
   // Another line than the test was made for, before its first run.
   void use(Line line);
 
+  // Runs a command without a printer to its end.
+  Outcome run(const Words& command);
   // Runs a command under the printer to its end.
   Outcome run_under_printer(const Words& options, const Words& command);
   // The same with the test going on meanwhile.
@@ -64,22 +66,15 @@ class PrinterTest : public testing::Test {
   // Changes a condition or a setting of the running printer; whether it took effect.
   bool set(const std::string& name, const std::string& value) const;
 
-  // The command of a program that takes a port, its settings, and these words. The shell puts in
-  // what the printer says about its port.
-  static Words program(const std::string& path, const Words& words = {});
-  // The same for a till, by scenario, which waits so long for anything; and for the example.
-  static Words till(const std::string& scenario, const std::string& seconds = "30");
-  static Words receipt();
-  // The command of a till that prints pictures and symbols, by its words.
-  static Words pictures_till(const Words& words);
-
   // For a shell: the printer's program with a request to the printer that runs it.
   static std::string request(const std::string& words);
 
   // What is read off the pictures, as tests/e2e/read_paper.cpp has it: by "scan" or by "dots".
   std::string read_paper(const std::string& how) const;
 
-  // A file of these bytes, for as long as the test runs; its path.
+  // A place for a file, for as long as the test runs.
+  std::string path_of(const std::string& name) const { return in_folder(name); }
+  // A file of these bytes there; its path.
   std::string file(const std::string& name, const std::string& content) const;
 
   // All bytes that came over the line, of a run with the options that record them.

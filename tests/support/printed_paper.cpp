@@ -1,4 +1,4 @@
-#include "printed_paper.h"
+#include "support/printed_paper.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -151,6 +151,11 @@ void PrinterTest::use(Line line) {
   address_ = address_on(line);
 }
 
+Outcome PrinterTest::run(const Words& command) {
+  printer_ = spawn(command, "run");
+  return finish();
+}
+
 Outcome PrinterTest::run_under_printer(const Words& options, const Words& command) {
   start_under_printer(options, command);
   return finish();
@@ -192,30 +197,6 @@ bool PrinterTest::set(const std::string& name, const std::string& value) const {
   }
   const pid_t pid = spawn(words, "set");
   return pid > 0 && exit_status_of(pid) == 0;
-}
-
-PrinterTest::Words PrinterTest::till(const std::string& scenario, const std::string& seconds) {
-  return {"/bin/sh",
-          "-c",
-          R"(exec "$0" "$1" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS" "$2")",
-          TILL_PROGRAM,
-          scenario,
-          seconds};
-}
-
-PrinterTest::Words PrinterTest::program(const std::string& path, const Words& words) {
-  Words command{"/bin/sh", "-c",
-                R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS" "$@")", path};
-  command.insert(command.end(), words.begin(), words.end());
-  return command;
-}
-
-PrinterTest::Words PrinterTest::receipt() {
-  return program(RECEIPT_PROGRAM);
-}
-
-PrinterTest::Words PrinterTest::pictures_till(const Words& words) {
-  return program(PICTURES_TILL_PROGRAM, words);
 }
 
 std::string PrinterTest::request(const std::string& words) {
