@@ -25,6 +25,8 @@ struct End {
 
   bool sent_nothing() const { return sent == 0; }
   bool sent_whole() const { return sent >= total; }
+  // A network connection that seems lost on the way is made anew, and everything sent again.
+  bool sent_again() const { return sent > total; }
 };
 
 End end_transaction(const Session& session) {
@@ -34,25 +36,33 @@ End end_transaction(const Session& session) {
   return {result, static_cast<long>(count.bytes()), total};
 }
 
-std::string words_for(const Session& session, const End& end, Outcome outcome) {
-  const std::string port = session.port();
-  if (outcome == Outcome::kDone) return "on paper: the printer has confirmed it";
-  if (outcome == Outcome::kRefused) return port + ": the port was closed";
+std::string words_for_unprinted(const End& end, Outcome outcome) {
   if (end.sent_nothing()) {
-    return port + ": " + words_for(outcome) + "; nothing was printed: " + advice_for(outcome) +
-           ", and try again";
+    return words_for(outcome) + "; nothing was printed: " + advice_for(outcome) + ", and try again";
   }
   if (!end.sent_whole()) {
-    return port + ": the printer took only " + count_words(end.sent, end.total) +
+    return "the printer took only " + count_words(end.sent, end.total) +
            ": what is on paper is cut short";
   }
   if (outcome == Outcome::kUnconfirmed) {
-    return port +
-           ": no confirmation came: it may be on paper or not, so look before printing again";
+    return "no confirmation came: it may be on paper or not, so look before printing again";
   }
-  return port + ": " + words_for(outcome) +
+  return words_for(outcome) +
          "; the printer holds the rest and goes on by itself: " + advice_for(outcome) +
          ", and do not print it again";
+}
+
+std::string words_for(const Session& session, const End& end, Outcome outcome) {
+  std::string words = std::string(session.port()) + ": ";
+  if (outcome == Outcome::kDone) {
+    words = "on paper: the printer has confirmed it";
+  } else if (outcome == Outcome::kRefused) {
+    words += "the port was closed";
+  } else {
+    words += words_for_unprinted(end, outcome);
+  }
+  if (end.sent_again()) words += "; it was sent twice on the way, and may be on paper twice";
+  return words;
 }
 
 Outcome outcome_of(const End& end) {

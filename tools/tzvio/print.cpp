@@ -96,7 +96,7 @@ void add_print(CLI::App& app, Invocation& invocation) {
   command
       ->add_option("-f,--file", print->files, "A file to print, - being standard input; repeatable")
       ->option_text("FILE")
-      ->expected(1)
+      ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   command->add_flag(
       "-e,--escapes", print->escapes,

@@ -107,19 +107,18 @@ std::optional<Result> Session::claim() {
 std::optional<Result> Session::make_ready() {
   if (auto failed = claim()) return failed;
   const auto begin = Clock::now();
+  bool is_shown = fault_at_open_ == Outcome::kDone;  // by the monitor's flags
   for (;;) {
-    const long code = GetError(port());
     const auto waited = Clock::now() - begin;
-    const bool not_shown_yet = fault_at_open_ != Outcome::kDone && waited < kFirstReport;
-    if (is_ready(code) && !not_shown_yet) {
+    if (is_ready(GetError(port())) && (is_shown || waited >= kFirstReport)) {
       if (settle() == kConfirmed) return std::nullopt;
       if (is_ready(GetError(port()))) return fault(Outcome::kNoAnswer);
     }
     const Outcome outcome = fault_of_code(GetError(port()));
-    const seconds patience(options_.wait_s);
+    is_shown |= outcome == fault_at_open_;
     const bool may_be_first_look = outcome == Outcome::kOffline && waited < kFirstLook;
-    if (outcome != Outcome::kDone && waited >= patience && !may_be_first_look)
-      return fault(outcome);
+    const bool is_too_long = waited >= seconds(options_.wait_s) && !may_be_first_look;
+    if (outcome != Outcome::kDone && is_too_long) return fault(outcome);
     mend_line();
     pause_between_looks();
   }

@@ -22,10 +22,8 @@ const CLI::App* command_of(const CLI::App* command, const std::vector<std::strin
 }
 
 // A word and, behind a tabulator, what it takes. Arguments without a name have "=" for it.
-std::string lines_of(const CLI::App* command) {
+std::string options_of(const CLI::App* command) {
   std::string lines;
-  for (const CLI::App* inner : command->get_subcommands(is_shown))
-    lines += inner->get_name() + "\n";
   for (const CLI::Option* option : command->get_options()) {
     if (option->get_positional()) lines += "=\t" + option->get_option_text() + "\n";
     for (const std::string& name : option->get_lnames()) {
@@ -33,6 +31,13 @@ std::string lines_of(const CLI::App* command) {
                (option->get_option_text().empty() ? "" : "\t" + option->get_option_text()) + "\n";
     }
   }
+  return lines;
+}
+
+std::string commands_of(const CLI::App* command) {
+  std::string lines;
+  for (const CLI::App* inner : command->get_subcommands(is_shown))
+    lines += inner->get_name() + "\n";
   return lines;
 }
 
@@ -45,7 +50,8 @@ void add_words(CLI::App& app, Invocation& invocation) {
   command->add_option("WORD", *words)->option_text("WORD...");
   set_work(command, invocation, [words, &app](const Options&) {
     const CLI::App* const asked = command_of(&app, *words);
-    return Result{.text = lines_of(asked) + (asked == &app ? "" : lines_of(&app))};
+    return Result{.text = commands_of(asked) + options_of(asked) +
+                          (asked == &app ? "" : options_of(&app))};
   });
 }
 
