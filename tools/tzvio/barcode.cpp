@@ -28,7 +28,7 @@ long print_symbol(const char* port, const SymbolRequest& request) {
 
 Result run(const Options& options, Barcode barcode) {
   if (auto failed = prepare(barcode.symbol)) return *failed;
-  const Result checked = check_symbol(barcode.symbol, options);
+  Result checked = check_symbol(barcode.symbol, options);
   if (checked.outcome != Outcome::kDone) return checked;
   return print_job(options, barcode.confirm, [&](Session& session) {
     return collected(session, [&] { return print_symbol(session.port(), barcode.symbol); });

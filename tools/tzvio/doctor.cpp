@@ -18,9 +18,10 @@ namespace {
 // Tells findings one by one, so that they stand even if a later look does not come back.
 class Doctor {
  public:
-  explicit Doctor(const Options& options) : options_(options), link_(link_of(options.port)) {
-    settings_ = options.settings.empty() && link_ ? usual_settings(*link_) : options.settings;
-  }
+  explicit Doctor(const Options& options)
+      : options_(options),
+        link_(link_of(options.port)),
+        settings_(settings_for(link_, options.settings)) {}
 
   Result examine() {
     if (check_name() && check_settings() && check_way()) check_printer();
@@ -44,10 +45,7 @@ class Doctor {
 
   bool check_name() {
     if (link_) return find("name", true, options_.port + " is a " + name_of(*link_) + " port");
-    return find("name", false,
-                "no link accepts '" + options_.port +
-                    "': names begin with /dev/ttyS, /dev/usb/lp, /dev/usblp, /dev/parport, "
-                    "/dev/lp or SOCKET:");
+    return find("name", false, no_link_words(options_.port));
   }
 
   bool check_settings() {

@@ -19,7 +19,7 @@ struct Image {
 
 // Looked at first: what the library refuses it says on standard output, which is for results.
 Result run(const Options& options, const Image& image) {
-  const Result checked = check_picture(image.file, options, PictureUse::kPrint);
+  Result checked = check_picture(image.file, options, PictureUse::kPrint);
   if (checked.outcome != Outcome::kDone) return checked;
   return print_job(options, image.confirm, [&](Session& session) {
     return collected(

@@ -2,6 +2,7 @@
 
 #include <tzvio.h>
 
+#include <algorithm>
 #include <string>
 
 #include "byte_count.h"
@@ -26,7 +27,9 @@ struct End {
   bool sent_nothing() const { return sent == 0; }
   bool sent_whole() const { return sent >= total; }
   // A network connection that seems lost on the way is made anew, and everything sent again.
-  bool sent_again() const { return sent > total; }
+  // Repeated requests for the confirmation are less than that.
+  bool sent_again() const { return sent >= 2 * total; }
+  long sent_of_job() const { return sent_again() ? sent : std::min(sent, total); }
 };
 
 End end_transaction(const Session& session) {
@@ -65,19 +68,22 @@ std::string words_for(const Session& session, const End& end, Outcome outcome) {
   return words;
 }
 
-Outcome outcome_of(const End& end) {
+Outcome outcome_of(const Session& session, const End& end) {
   if (end.result == Session::kConfirmed) return Outcome::kDone;
   if (end.result < 0) return Outcome::kRefused;
-  const Outcome fault = fault_of_code(end.result);
+  Outcome fault = fault_of_code(end.result);
+  if (fault == Outcome::kOffline && session.fault_now() == Outcome::kCutterJam) {
+    fault = Outcome::kCutterJam;
+  }
   return fault == Outcome::kOffline && !end.sent_nothing() ? Outcome::kUnconfirmed : fault;
 }
 
 Result result_of(const Session& session, const End& end) {
-  const Outcome outcome = outcome_of(end);
+  const Outcome outcome = outcome_of(session, end);
   return {.outcome = outcome,
           .words = words_for(session, end, outcome),
           .fields = {{"bytes", end.total},
-                     {"bytes_sent", end.sent},
+                     {"bytes_sent", end.sent_of_job()},
                      {"confirmed", outcome == Outcome::kDone}}};
 }
 
@@ -88,7 +94,7 @@ bool can_go_on(Outcome outcome) {
 
 Result print_confirmed(Session& session) {
   End end = end_transaction(session);
-  while (can_go_on(outcome_of(end)) && session.options().wait_s > 0) {
+  while (can_go_on(outcome_of(session, end)) && session.options().wait_s > 0) {
     if (session.wait_out_fault() != Outcome::kDone) break;
     if (end.sent_nothing()) {
       // What is collected stays until it is sent.

@@ -60,8 +60,13 @@ const char* name_of(Link link) {
   return row_of(link).name;
 }
 
-const char* usual_settings(Link link) {
-  return row_of(link).settings;
+std::string no_link_words(const std::string& port) {
+  return "no link accepts the name '" + port +
+         "'; names begin with /dev/ttyS, /dev/usb/lp, /dev/usblp, /dev/parport, /dev/lp or SOCKET:";
+}
+
+std::string settings_for(std::optional<Link> link, const std::string& given) {
+  return given.empty() && link ? row_of(*link).settings : given;
 }
 
 const LinkState& state_of(Link link) {

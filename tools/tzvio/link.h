@@ -15,7 +15,12 @@ enum class Link { kUsb, kParallel, kSerial, kNetwork };
 std::optional<Link> link_of(const std::string& port);
 
 const char* name_of(Link link);
-const char* usual_settings(Link link);
+
+// What a name that no link accepts should be.
+std::string no_link_words(const std::string& port);
+
+// Those that were given, or else the link's usual ones.
+std::string settings_for(std::optional<Link> link, const std::string& given);
 
 // One link's variables, by the names of their rows.
 struct LinkState {

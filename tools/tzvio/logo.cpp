@@ -54,7 +54,7 @@ Result store(const Options& options, const std::vector<std::string>& files) {
   constexpr std::size_t kSizeBytes = 4;
   List list;
   for (const std::string& file : files) {
-    const Result checked = check_picture(file, options, PictureUse::kStore);
+    Result checked = check_picture(file, options, PictureUse::kStore);
     if (checked.outcome != Outcome::kDone) return checked;
     if (file.find('|') != std::string::npos) return list_refused();
     list.names += file + "|";

@@ -25,10 +25,6 @@ constexpr seconds kFirstReport{2};
 constexpr useconds_t kPauseUs = 20000;
 constexpr seconds kBetweenConnections{1};
 
-bool is_ready(long code) {
-  return code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY;
-}
-
 }  // namespace
 
 Result no_port() {
@@ -41,8 +37,10 @@ void pause_between_looks() {
   usleep(kPauseUs);
 }
 
-Session::Session(const Options& options) : options_(options), link_(link_of(options.port)) {
-  settings_ = options.settings.empty() && link_ ? usual_settings(*link_) : options.settings;
+Session::Session(const Options& options)
+    : options_(options),
+      link_(link_of(options.port)),
+      settings_(settings_for(link_, options.settings)) {
   start_guardian(options.port, options.timeout_s);
 }
 
@@ -73,13 +71,12 @@ std::optional<Result> Session::open(bool must_answer) {
 }
 
 std::optional<Result> Session::explain_unopened(long result) const {
+  if (!link_)
+    return Result{.outcome = Outcome::kNotAccepted, .words = no_link_words(options_.port)};
   if (result == TZV_NOT_ACCEPTED) {
     return Result{.outcome = Outcome::kNotAccepted,
-                  .words = link_ ? "the settings '" + settings_ +
-                                       "' are not accepted; as an example, 9600,none,8,1,none"
-                                 : "no link accepts the name '" + options_.port +
-                                       "'; names begin with /dev/ttyS, /dev/usb/lp, /dev/usblp, "
-                                       "/dev/parport, /dev/lp or SOCKET:"};
+                  .words = "the settings '" + settings_ +
+                           "' are not accepted; as an example, 9600,none,8,1,none"};
   }
   if (result == TZV_REFUSED) {
     return Result{.outcome = Outcome::kNoDevice,
@@ -110,11 +107,11 @@ std::optional<Result> Session::make_ready() {
   bool is_shown = fault_at_open_ == Outcome::kDone;  // by the monitor's flags
   for (;;) {
     const auto waited = Clock::now() - begin;
-    if (is_ready(GetError(port())) && (is_shown || waited >= kFirstReport)) {
+    if (fault_now() == Outcome::kDone && (is_shown || waited >= kFirstReport)) {
       if (settle() == kConfirmed) return std::nullopt;
-      if (is_ready(GetError(port()))) return fault(Outcome::kNoAnswer);
+      if (fault_now() == Outcome::kDone) return fault(Outcome::kNoAnswer);
     }
-    const Outcome outcome = fault_of_code(GetError(port()));
+    const Outcome outcome = fault_now();
     is_shown |= outcome == fault_at_open_;
     const bool may_be_first_look = outcome == Outcome::kOffline && waited < kFirstLook;
     const bool is_too_long = waited >= seconds(options_.wait_s) && !may_be_first_look;
@@ -126,13 +123,15 @@ std::optional<Result> Session::make_ready() {
 
 Outcome Session::wait_out_fault() {
   const auto deadline = Clock::now() + seconds(options_.wait_s);
-  Outcome outcome = fault_of_code(GetError(port()));
-  while (outcome != Outcome::kDone && Clock::now() < deadline) {
+  while (fault_now() != Outcome::kDone && Clock::now() < deadline) {
     mend_line();
     pause_between_looks();
-    outcome = fault_of_code(GetError(port()));
   }
-  return outcome;
+  return fault_now();
+}
+
+Outcome Session::fault_now() const {
+  return fault_of(look_at(state()));
 }
 
 long Session::settle() const {

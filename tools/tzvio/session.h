@@ -34,6 +34,10 @@ class Session {
   // --wait. An empty transaction finds out.
   std::optional<Result> make_ready();
 
+  // What the monitor knows to be the matter. The library's status codes have a jammed cutter behind
+  // "offline", which it brings with it.
+  Outcome fault_now() const;
+
   // Waits for the end of a fault, as long as --wait has it; kDone when it has ended.
   Outcome wait_out_fault();
 
@@ -53,8 +57,8 @@ class Session {
   Result fault(Outcome outcome) const;
 
   const Options& options_;
-  std::string settings_;
   std::optional<Link> link_;
+  std::string settings_;
   bool is_open_ = false;
   bool is_claimed_ = false;
   Outcome fault_at_open_ = Outcome::kDone;

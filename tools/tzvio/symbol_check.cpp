@@ -28,10 +28,7 @@ std::string length_words(const SymbolRequest& request) {
   const auto lengths = data_lengths(static_cast<int32_t>(request.symbology));
   std::string words = name_of_symbology(request.symbology) + " takes ";
   if (lengths->even) words += "an even number of characters, ";
-  if (lengths->shortest > 0)
-    words += std::to_string(lengths->shortest) + " or ";
-  else
-    words += "up to ";
+  words += lengths->shortest > 0 ? std::to_string(lengths->shortest) + " or " : "up to ";
   return words + std::to_string(lengths->longest) + " of them; here are " +
          std::to_string(request.data.size());
 }

@@ -104,7 +104,7 @@ TEST_F(DoctorAlone, finds_the_first_thing_that_is_wrong) {
     std::string told;
   };
   const Case cases[] = {
-      {{"-p", "COM1"}, "PROBLEM  name: no link accepts 'COM1'"},
+      {{"-p", "COM1"}, "PROBLEM  name: no link accepts the name 'COM1'"},
       {{"-p", "/dev/ttyS0", "-s", "9600"}, "PROBLEM  settings: '9600' must be"},
       {{"-p", "SOCKET:127.0.0.1", "-s", "70000"}, "PROBLEM  settings: '70000' is no TCP port"},
       {{"-p", "SOCKET:127.0.0"}, "PROBLEM  network: '127.0.0' is no IPv4 address"},
