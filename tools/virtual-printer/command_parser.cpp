@@ -169,10 +169,13 @@ std::optional<Step> next_step(std::string_view rest, std::size_t offset, Expecta
 }  // namespace
 
 std::optional<Decoded> CommandParser::next(Expectation expectation) {
+  drop_taken();
   if (rest().empty()) return std::nullopt;
   auto step = next_step(rest(), offset_, expectation);
   if (!step) return std::nullopt;
-  take(step->length);
+  last_ = step->length;
+  taken_ += last_;
+  offset_ += last_;
   return std::move(step->decoded);
 }
 
@@ -181,13 +184,25 @@ bool CommandParser::waits_for_frame() const {
 }
 
 // What is taken goes in pieces, lest the bytes of a long job be moved once for each of them.
-void CommandParser::take(std::size_t length) {
+void CommandParser::drop_taken() {
   constexpr std::size_t kPiece = 4096;
-  taken_ += length;
-  offset_ += length;
+  last_ = 0;
   if (taken_ < pending_.size() && taken_ < kPiece) return;
   pending_.erase(0, taken_);
   taken_ = 0;
+}
+
+void decode_job(Piece job, const std::function<void(Decoded, Piece)>& take) {
+  CommandParser parser(job.offset);
+  parser.feed(job.bytes);
+  while (auto decoded = parser.next(Expectation::kNothing)) {
+    const auto* command = std::get_if<Command>(&*decoded);
+    if (command != nullptr && command->kind == CommandKind::kFramedJob) {
+      take(RefusedFrame{parser.piece().offset, "a frame within a frame"}, parser.piece());
+    } else {
+      take(std::move(*decoded), parser.piece());
+    }
+  }
 }
 
 }  // namespace virtual_printer

@@ -3,6 +3,8 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <fstream>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -10,6 +12,7 @@
 #include <variant>
 
 #include "control.h"
+#include "decoding.h"
 #include "device_link.h"
 #include "options.h"
 #include "service.h"
@@ -115,10 +118,26 @@ int request(const Options& options) {
   }
 }
 
+int decode(const DecodeRequest& request) {
+  std::ifstream file;
+  const bool from_file = request.file != "-";
+  if (from_file) file.open(request.file, std::ios::binary);
+  std::istream& capture = from_file ? file : std::cin;
+  if (capture) {
+    decode_capture(capture, [&](const TranscriptEntry& entry) {
+      std::printf("%s\n", (request.json ? json_of(entry) : line_of(entry)).c_str());
+    });
+  }
+  // The end alone is no failure to read.
+  if (!capture.eof()) throw std::runtime_error("cannot read " + request.file);
+  return 0;
+}
+
 int run_command_line(int argc, char** argv) {
   const auto parsed = parse_command_line(argc, argv);
   if (const int* status = std::get_if<int>(&parsed)) return *status;
   const auto& options = std::get<Options>(parsed);
+  if (options.decode) return decode(*options.decode);
   return !options.request.empty() ? request(options) : serve(options);
 }
 

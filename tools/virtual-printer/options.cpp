@@ -132,6 +132,15 @@ void describe_requests(CLI::App& app, SetWords& words) {
   app.require_subcommand(0, 1);
 }
 
+void describe_decoding(CLI::App& app, Options& options) {
+  auto* const decode = app.add_subcommand(
+      "decode", "Say in words what a till has sent, as --record keeps it: offset, bytes, meaning");
+  options.decode.emplace();
+  decode->add_option("FILE", options.decode->file, "What to decode; -: standard input")
+      ->capture_default_str();
+  decode->add_flag("--json", options.decode->json, "Each line a JSON object");
+}
+
 void describe(CLI::App& app, Options& options, SetWords& words) {
   // The last of several counts, so that a script's defaults can be overridden.
   app.option_defaults()->take_last();
@@ -140,6 +149,7 @@ void describe(CLI::App& app, Options& options, SetWords& words) {
   describe_conditions(app, options.service);
   describe_line_settings(app, options.service.line);
   describe_requests(app, words);
+  describe_decoding(app, options);
   app.footer(
       "\nWith COMMAND, the printer runs it and ends with it; else it runs until interrupted.\n"
       "Each cut writes receipt-NNN.png and receipt-NNN.txt; uncut paper is written at the end.");
@@ -166,8 +176,8 @@ void check_together(const Options& options, bool has_mark) {
     throw CLI::ValidationError("--environment", "the COMMAND has it already");
   }
   if (has_mark && options.command.empty()) throw CLI::ValidationError("--", "COMMAND is missing");
-  if (has_mark && !options.request.empty()) {
-    throw CLI::ValidationError("--", "a request to a running printer takes no COMMAND");
+  if (has_mark && (!options.request.empty() || options.decode)) {
+    throw CLI::ValidationError("--", "set, status and decode take no COMMAND");
   }
 }
 
@@ -187,6 +197,7 @@ std::variant<Options, int> parse_command_line(int argc, char** argv) {
   try {
     app.parse(static_cast<int>(mark - argv), argv);
     options.request = request_of(app, words);
+    if (!app.got_subcommand("decode")) options.decode.reset();
     check_together(options, mark != end);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kBadUsage;

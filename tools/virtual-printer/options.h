@@ -11,6 +11,11 @@
 
 namespace virtual_printer {
 
+struct DecodeRequest {
+  std::string file = "-";  // standard input
+  bool json = false;
+};
+
 struct Options {
   std::string port = "/dev/ttyS-virtual";
   std::optional<TcpAddress> listen;  // in place of the port
@@ -18,8 +23,9 @@ struct Options {
   bool environment = false;          // that a program needs to open the port is told
   bool strict = false;
   ServiceOptions service;
-  std::vector<std::string> command;  // empty: serve until interrupted
-  std::string request;               // to the printer that runs already; empty: none
+  std::vector<std::string> command;     // empty: serve until interrupted
+  std::string request;                  // to the printer that runs already; empty: none
+  std::optional<DecodeRequest> decode;  // and do nothing else
 };
 
 // What to do, or the exit status of a command line with which all is said: help, or a mistake.

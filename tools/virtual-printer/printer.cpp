@@ -68,18 +68,20 @@ void Printer::expect_fault(const ScriptedFault& fault) {
 
 void Printer::decode(Expectation expectation) {
   while (!is_off()) {
-    const std::size_t begin = parser_.offset();
     auto decoded = parser_.next(expectation);
     if (!decoded) return;
-    take(std::move(*decoded), parser_.offset() - begin);
+    take(std::move(*decoded), parser_.piece());
     print_held();
   }
 }
 
 // Whoever asks for the condition asks because of it: were these held back with the rest, nobody
 // would ever learn why the printer stands still.
-void Printer::take(Decoded decoded, std::size_t length) {
-  if (const auto* frame = std::get_if<RefusedFrame>(&decoded)) return refuse(*frame, length);
+void Printer::take(Decoded decoded, Piece piece) {
+  listener_.report_decoded(decoded, piece);
+  if (const auto* frame = std::get_if<RefusedFrame>(&decoded)) {
+    return refuse(*frame, piece.bytes.size());
+  }
   const auto* command = std::get_if<Command>(&decoded);
   if (command != nullptr && command->kind == CommandKind::kRealTimeStatus) {
     return listener_.answer(real_time_status(command->argument, conditions_));
@@ -90,28 +92,14 @@ void Printer::take(Decoded decoded, std::size_t length) {
     return;
   }
   if (command != nullptr && command->kind == CommandKind::kFramedJob) {
-    return take_frame(command->data);
+    return take_frame({piece.offset + kFrameHeaderLength, command->data});
   }
-  hold(std::move(decoded), length);
+  hold(std::move(decoded), piece.bytes.size());
 }
 
-// The frame's trailer is the last that was decoded, so the job's place on the line is known.
-void Printer::take_frame(const std::string& job) {
+void Printer::take_frame(Piece job) {
   listener_.answer(kFrameTaken);
-  CommandParser parser(parser_.offset() - kFrameTrailerLength - job.size());
-  parser.feed(job);
-  while (true) {
-    const std::size_t begin = parser.offset();
-    auto decoded = parser.next(Expectation::kNothing);
-    if (!decoded) return;
-    const std::size_t length = parser.offset() - begin;
-    const auto* command = std::get_if<Command>(&*decoded);
-    if (command != nullptr && command->kind == CommandKind::kFramedJob) {
-      refuse({begin, "a frame within a frame"}, length);
-    } else {
-      take(std::move(*decoded), length);
-    }
-  }
+  decode_job(job, [this](Decoded decoded, Piece piece) { take(std::move(decoded), piece); });
 }
 
 void Printer::refuse(const RefusedFrame& frame, std::size_t length) {

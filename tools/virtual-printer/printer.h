@@ -19,8 +19,7 @@ namespace virtual_printer {
 
 enum class PaperEnd { kCut, kUncut };
 
-// What the printer does to the world. A page in a browser would be one more of these. It may not
-// call the printer back.
+// What the printer does to the world. It may not call the printer back.
 class PrinterListener {
  public:
   PrinterListener() = default;
@@ -28,6 +27,8 @@ class PrinterListener {
   PrinterListener& operator=(const PrinterListener&) = delete;
   virtual ~PrinterListener() = default;
 
+  // As soon as it has come, whenever it will be carried out.
+  virtual void report_decoded(const Decoded& decoded, Piece piece) = 0;
   virtual void answer(std::string_view bytes) = 0;
   virtual void beep() = 0;
   virtual void report_unknown(const UnknownBytes& unknown) = 0;
@@ -85,8 +86,8 @@ class Printer {
   };
 
   void decode(Expectation expectation);
-  void take(Decoded decoded, std::size_t length);
-  void take_frame(const std::string& job);
+  void take(Decoded decoded, Piece piece);
+  void take_frame(Piece job);
   void refuse(const RefusedFrame& frame, std::size_t length);
   void hold(Decoded decoded, std::size_t length);
   void print_held();

@@ -3,13 +3,13 @@
 #include <poll.h>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <stdexcept>
 #include <utility>
 
+#include "hex.h"
 #include "memory_file.h"
 
 namespace virtual_printer {
@@ -47,16 +47,9 @@ std::ofstream open_record(const std::string& path) {
 }
 
 // Of long data its beginning says what it was.
-std::string hex_of(std::string_view bytes) {
+std::string hex_after_blank(std::string_view bytes) {
   constexpr std::size_t kMostShown = 32;
-  std::string text;
-  for (const char byte : bytes.substr(0, kMostShown)) {
-    std::array<char, 4> hex{};
-    std::snprintf(hex.data(), hex.size(), " %02X", static_cast<unsigned char>(byte));
-    text += hex.data();
-  }
-  if (bytes.size() > kMostShown) text += " ... " + std::to_string(bytes.size()) + " bytes";
-  return text;
+  return ' ' + hex_of(bytes, kMostShown);
 }
 
 }  // namespace
@@ -273,6 +266,8 @@ void Service::finish() {
   if (refused_content_ > 0) std::fprintf(stderr, "refused content in all: %zu\n", refused_content_);
 }
 
+void Service::report_decoded(const Decoded& /*decoded*/, Piece /*piece*/) {}
+
 void Service::answer(std::string_view bytes) {
   answers_.push(bytes, Clock::now());
 }
@@ -285,7 +280,7 @@ void Service::send(std::string_view bytes) {
   const std::size_t taken = printer_.conditions().is_cut_off() ? 0 : link_.write(bytes);
   if (taken < bytes.size()) {
     std::fprintf(stderr, "answer lost, nobody reads the line:%s\n",
-                 hex_of(bytes.substr(taken)).c_str());
+                 hex_after_blank(bytes.substr(taken)).c_str());
   }
 }
 
@@ -296,7 +291,8 @@ void Service::beep() {
 void Service::report_unknown(const UnknownBytes& unknown) {
   ++unknown_count_;
   unknown_bytes_ += unknown.bytes.size();
-  std::fprintf(stderr, "unknown bytes at %zu:%s\n", unknown.offset, hex_of(unknown.bytes).c_str());
+  std::fprintf(stderr, "unknown bytes at %zu:%s\n", unknown.offset,
+               hex_after_blank(unknown.bytes).c_str());
 }
 
 void Service::report_refused(const RefusedFrame& frame) {

@@ -47,6 +47,7 @@ class Service : private PrinterListener {
   }
 
  private:
+  void report_decoded(const Decoded& decoded, Piece piece) override;
   void answer(std::string_view bytes) override;
   void beep() override;
   void report_unknown(const UnknownBytes& unknown) override;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,9 @@ using testing::SizeIs;
 using namespace std::string_literals;
 
 struct Recorder : PrinterListener {
+  void report_decoded(const Decoded& command, Piece piece) override {
+    decoded.emplace_back(command, piece.offset, piece.bytes);
+  }
   void answer(std::string_view bytes) override { answers += bytes; }
   void report_unknown(const UnknownBytes& bytes) override { unknown.push_back(bytes); }
   void beep() override { ++beeps; }
@@ -39,6 +43,7 @@ struct Recorder : PrinterListener {
     longest = std::max(longest, receipt.length / kHalfDotsPerDot);
   }
 
+  std::vector<std::tuple<Decoded, std::size_t, std::string>> decoded;
   std::string answers;
   std::vector<UnknownBytes> unknown;
   std::vector<RefusedFrame> refused;
@@ -66,6 +71,18 @@ struct PrinterTest : testing::Test {
   Recorder recorder;
   Printer printer{recorder};
 };
+
+TEST_F(PrinterTest, tells_what_has_come_although_it_waits) {
+  printer.set(Condition::kCoverOpen, true);
+  printer.receive("a" + framed("\n") + "\x1b@");
+  const auto pieces = recorder.decoded;
+  ASSERT_EQ(pieces.size(), 4U);
+  EXPECT_EQ(pieces[0], std::make_tuple(Decoded(Command{CommandKind::kText, 'a'}), 0U, "a"));
+  EXPECT_EQ(std::get<1>(pieces[1]), 1U);
+  EXPECT_EQ(std::get<2>(pieces[1]), framed("\n"));
+  EXPECT_EQ(pieces[2], std::make_tuple(Decoded(Command{CommandKind::kLineFeed}), 12U, "\n"));
+  EXPECT_EQ(pieces[3], std::make_tuple(Decoded(Command{CommandKind::kInitialize}), 17U, "\x1b@"));
+}
 
 TEST_F(PrinterTest, healthy_printer_answers_every_status_query) {
   printer.receive("\x10\x04\x01\x10\x04\x02\x10\x04\x03\x10\x04\x04");

@@ -173,6 +173,38 @@ TEST_F(ProgramTest, what_arrives_is_recorded_byte_for_byte) {
   EXPECT_THAT(outcome.errors, HasSubstr("cannot write /dev/null/record"));
 }
 
+// All that a shell command prints, and its exit status.
+std::string lines_of(const std::string& command) {
+  FILE* const pipe = popen((command + " 2>&1; echo $?").c_str(), "r");
+  std::string text;
+  for (int byte = fgetc(pipe); byte != EOF; byte = fgetc(pipe)) text += static_cast<char>(byte);
+  pclose(pipe);
+  return text;
+}
+
+TEST_F(ProgramTest, recorded_bytes_are_decoded_into_words) {
+  run_script(R"(printf 'Hi\n\033i' >$port)", {"--record", in_folder("record")});
+  const std::string decode = program() + " decode ";
+  const std::string words =
+      "       0  48 69                                     text \"Hi\"\n"
+      "       2  0A                                        line feed\n"
+      "       3  1B 69                                     cut, full\n"
+      "0\n";
+  EXPECT_EQ(lines_of(decode + in_folder("record").string()), words);
+  EXPECT_EQ(lines_of(decode + "<" + in_folder("record").string()), words);
+  EXPECT_EQ(lines_of("printf '\\033' | " + decode + "--json"),
+            R"({"offset":0,"length":1,"kind":"trouble","hex":"1B",)"
+            R"("words":"unfinished: its end is missing"})"
+            "\n0\n");
+}
+
+TEST_F(ProgramTest, what_cannot_be_decoded_is_a_failure) {
+  const std::string decode = program() + " decode ";
+  EXPECT_EQ(lines_of(decode + "/nowhere"), "virtual-printer: cannot read /nowhere\n125\n");
+  EXPECT_EQ(lines_of(decode + "/"), "virtual-printer: cannot read /\n125\n");
+  EXPECT_THAT(lines_of(decode + "-- true"), HasSubstr("decode take no COMMAND"));
+}
+
 TEST_F(ProgramTest, command_does_not_run_without_the_library_that_plays_its_device) {
   fs::remove_all(in_folder("preload"));
   const Outcome outcome = run_script("echo started");
