@@ -5,14 +5,15 @@ set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
 tool='libcli11-dev nlohmann-json3-dev'
-printer='libcairo2-dev libpango1.0-dev libcli11-dev libzint-dev fonts-dejavu-core'
+printer='libcairo2-dev libpango1.0-dev libcli11-dev libzint-dev libcpp-httplib-dev fonts-dejavu-core'
 scanners='libzxing-dev libzbar-dev'
+browser='chromium chromium-driver'
 manual='python3 lowdown mandoc'
 languages='mono-mcs mono-runtime default-jdk-headless libjna-java'
 everything="$build $tool $printer $scanners $manual $languages googletest"
 case ${1-} in
   demo) packages="$build $printer" ;;
-  test) packages="$everything iproute2" ;;
+  test) packages="$everything $browser iproute2" ;;
   bench) packages="$everything dpkg-dev" ;;
   manual) packages="$everything" ;;
   lint) packages="$everything clang-format clang-tidy" ;;

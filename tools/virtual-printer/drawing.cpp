@@ -128,17 +128,20 @@ void draw_picture(const Picture& picture, DotImage& image, int line_top) {
 
 }  // namespace
 
+void draw_line(GlyphShapes& glyphs, const Line& line, DotImage& image, int top) {
+  if (line.picture) draw_picture(*line.picture, image, top);
+  if (line.cells.empty()) return;
+  LineCanvas canvas(glyphs, line);
+  canvas.draw();
+  canvas.copy_to(image, top);
+}
+
 DotImage draw(const Receipt& receipt) {
   const int length = (receipt.length + 1) / kHalfDotsPerDot;
   DotImage image(kPaperDots, length + 2 * kPaperMarginDots);
   GlyphShapes glyphs;
   for (const Line& line : receipt.lines) {
-    const int top = kPaperMarginDots + line.top / kHalfDotsPerDot;
-    if (line.picture) draw_picture(*line.picture, image, top);
-    if (line.cells.empty()) continue;
-    LineCanvas canvas(glyphs, line);
-    canvas.draw();
-    canvas.copy_to(image, top);
+    draw_line(glyphs, line, image, kPaperMarginDots + line.top / kHalfDotsPerDot);
   }
   return image;
 }

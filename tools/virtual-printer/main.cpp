@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -15,6 +16,7 @@
 #include "decoding.h"
 #include "device_link.h"
 #include "options.h"
+#include "page.h"
 #include "service.h"
 #include "signal_queue.h"
 #include "tcp_link.h"
@@ -94,8 +96,11 @@ int serve(const Options& options) {
   std::signal(SIGPIPE, SIG_IGN);  // a reader of our lines that goes away must not end the printer
   const auto link = make_link(options);
   const auto control = open_control(link->name());
-  Service service(*link, signals, control.get(), options.service);
+  std::optional<Page> page;
+  if (options.page) page.emplace(options.page_address);
+  Service service(*link, signals, control.get(), page ? &*page : nullptr, options.service);
   if (options.command.empty()) tell_environment(link->environment());
+  if (page) std::printf("page %s\n", page->url().c_str());
   tell_ready(options, *link);
   int status = 0;
   if (options.command.empty()) {

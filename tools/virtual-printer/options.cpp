@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "device_page.h"
+#include "page_access.h"
 
 namespace virtual_printer {
 namespace {
@@ -68,7 +69,8 @@ void describe_line(CLI::App& app, Options& options) {
 }
 
 void describe_files(CLI::App& app, Options& options) {
-  app.add_option("--output", options.service.output_folder, "Folder for the receipts")
+  app.add_option("--output", options.service.output_folder,
+                 "Folder for the receipts; with a page, they are written only when it is given")
       ->option_text("DIR")
       ->capture_default_str();
   app.add_option("--memory", options.service.memory_file,
@@ -76,8 +78,31 @@ void describe_files(CLI::App& app, Options& options) {
       ->option_text("FILE");
   app.add_option("--record", options.service.record_file, "File for all bytes that arrive")
       ->option_text("FILE");
+  app.add_flag("--stay", options.service.stay,
+               "Goes on when COMMAND has ended, until it is interrupted");
   app.add_flag("--strict", options.strict,
                "Exit status 3 if unknown bytes came, or something was refused");
+}
+
+std::string check_page_address(const std::string& text) {
+  return is_address(text) ? "" : "the address must be in numbers, as 127.0.0.1 or ::1";
+}
+
+void describe_page(CLI::App& app, Options& options) {
+  constexpr int kHighestPort = 65535;
+  auto* const page =
+      app.add_option("--page", options.page_address.port,
+                     "Shows the printer in a browser, at the address that is told; any free PORT "
+                     "unless given")
+          ->option_text("[PORT]")
+          ->expected(0, 1)
+          ->check(CLI::Range(0, kHighestPort));
+  app.add_option("--page-address", options.page_address.host,
+                 "Where browsers reach the page: whoever can may press its buttons")
+      ->option_text("ADDRESS")
+      ->check(CLI::Validator(check_page_address, ""))
+      ->capture_default_str()
+      ->needs(page);
 }
 
 void describe_conditions(CLI::App& app, ServiceOptions& service) {
@@ -146,6 +171,7 @@ void describe(CLI::App& app, Options& options, SetWords& words) {
   app.option_defaults()->take_last();
   describe_line(app, options);
   describe_files(app, options);
+  describe_page(app, options);
   describe_conditions(app, options.service);
   describe_line_settings(app, options.service.line);
   describe_requests(app, words);
@@ -166,6 +192,14 @@ std::string request_of(const CLI::App& app, const SetWords& words) {
   return request;
 }
 
+// What no single option can say.
+void settle(const CLI::App& app, Options& options, const SetWords& words) {
+  options.request = request_of(app, words);
+  if (!app.got_subcommand("decode")) options.decode.reset();
+  options.page = app.count("--page") > 0;
+  if (options.page && app.count("--output") == 0) options.service.output_folder.clear();
+}
+
 // What no single option can see.
 void check_together(const Options& options, bool has_mark) {
   const bool serial = tzvio_devices::kind_of(options.port) == tzvio_devices::DeviceKind::kSerial;
@@ -174,6 +208,9 @@ void check_together(const Options& options, bool has_mark) {
   }
   if (options.environment && has_mark) {
     throw CLI::ValidationError("--environment", "the COMMAND has it already");
+  }
+  if (options.service.stay && !has_mark) {
+    throw CLI::ValidationError("--stay", "without a COMMAND, the printer stays anyway");
   }
   if (has_mark && options.command.empty()) throw CLI::ValidationError("--", "COMMAND is missing");
   if (has_mark && (!options.request.empty() || options.decode)) {
@@ -196,8 +233,7 @@ std::variant<Options, int> parse_command_line(int argc, char** argv) {
   describe(app, options, words);
   try {
     app.parse(static_cast<int>(mark - argv), argv);
-    options.request = request_of(app, words);
-    if (!app.got_subcommand("decode")) options.decode.reset();
+    settle(app, options, words);
     check_together(options, mark != end);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : kBadUsage;

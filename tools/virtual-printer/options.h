@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "page_server.h"
 #include "service.h"
 #include "tcp_link.h"
 
@@ -22,6 +23,8 @@ struct Options {
   bool terminal = false;             // a real one, although there is a command
   bool environment = false;          // that a program needs to open the port is told
   bool strict = false;
+  bool page = false;  // in a browser
+  PageAddress page_address;
   ServiceOptions service;
   std::vector<std::string> command;     // empty: serve until interrupted
   std::string request;                  // to the printer that runs already; empty: none

@@ -76,6 +76,8 @@ class Printer {
   std::size_t bytes_before_fault() const;
 
   const Conditions& conditions() const { return conditions_; }
+  // Printed since the last cut.
+  const Receipt& paper() const { return typesetter_.paper(); }
   std::size_t printed_lines() const { return typesetter_.printed_lines(); }
   std::size_t held_bytes() const { return held_bytes_ + parser_.end() - parser_.offset(); }
 

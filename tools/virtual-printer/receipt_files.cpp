@@ -34,6 +34,11 @@ void write_file(const std::filesystem::path& path, const std::string& content) {
 
 }  // namespace
 
+RenderedReceipt render(const Receipt& receipt) {
+  const DotImage dots = draw(receipt);
+  return {text_of(receipt), png_of(dots), dots.height()};
+}
+
 ReceiptFiles::ReceiptFiles(std::filesystem::path directory) : directory_(std::move(directory)) {
   std::filesystem::create_directories(directory_);
   check(access(directory_.c_str(), W_OK | X_OK), "cannot write receipts to " + directory_.string());
@@ -50,15 +55,15 @@ bool ReceiptFiles::is_taken(int number) const {
   return false;
 }
 
-std::filesystem::path ReceiptFiles::write(const Receipt& receipt, PaperEnd end) {
+std::filesystem::path ReceiptFiles::write(const RenderedReceipt& receipt, PaperEnd end) {
   do {
     ++last_number_;
   } while (is_taken(last_number_));
   const auto base =
       directory_ / (base_name(last_number_) + (end == PaperEnd::kUncut ? kUncutMark : ""));
   std::filesystem::path picture = base.string() + ".png";
-  write_file(base.string() + ".txt", text_of(receipt));
-  write_file(picture, png_of(draw(receipt)));
+  write_file(base.string() + ".txt", receipt.text);
+  write_file(picture, receipt.picture);
   return picture;
 }
 

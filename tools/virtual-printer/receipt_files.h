@@ -2,11 +2,21 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "printer.h"
 #include "receipt.h"
 
 namespace virtual_printer {
+
+// A receipt as people get it.
+struct RenderedReceipt {
+  std::string text;     // UTF-8
+  std::string picture;  // PNG
+  int height = 0;       // of the picture
+};
+
+RenderedReceipt render(const Receipt& receipt);
 
 class ReceiptFiles {
  public:
@@ -15,7 +25,7 @@ class ReceiptFiles {
   explicit ReceiptFiles(std::filesystem::path directory);
 
   // Writes both files under the next free number; returns the picture's path.
-  std::filesystem::path write(const Receipt& receipt, PaperEnd end);
+  std::filesystem::path write(const RenderedReceipt& receipt, PaperEnd end);
 
  private:
   bool is_taken(int number) const;

@@ -35,7 +35,17 @@ void say(const std::string& line) {
 }
 
 std::string switch_word(bool on) {
-  return on ? " on" : " off";
+  return on ? "on" : "off";
+}
+
+std::string lines_of(const Status& status) {
+  std::string lines;
+  for (const auto& [name, value] : status) lines += name + ' ' + value + '\n';
+  return lines;
+}
+
+std::optional<ReceiptFiles> open_folder(const std::string& path) {
+  return path.empty() ? std::nullopt : std::optional<ReceiptFiles>(path);
 }
 
 std::ofstream open_record(const std::string& path) {
@@ -54,40 +64,50 @@ std::string hex_after_blank(std::string_view bytes) {
 
 }  // namespace
 
-Service::Service(Link& link, SignalQueue& signals, ControlSocket* control, ServiceOptions options)
+Service::Service(Link& link, SignalQueue& signals, ControlSocket* control, Page* page,
+                 ServiceOptions options)
     : link_(link),
       signals_(signals),
       control_(control),
+      page_(page),
       options_(std::move(options)),
-      files_(options_.output_folder),
+      files_(open_folder(options_.output_folder)),
       record_(open_record(options_.record_file)),
       answers_(options_.line),
       printer_(*this, open_memory(options_.memory_file)) {}
 
 void Service::run() {
   power_up();
-  while (true) {
-    serve_once();
-    if (const auto signal = signals_.next(); signal && *signal != SIGCHLD) break;
-  }
+  if (page_ != nullptr) page_->serve();
+  serve_until_signal();
   finish();
 }
 
 int Service::run(const std::vector<std::string>& command, const Environment& environment) {
   power_up();
   ChildProcess child(command, environment);
+  if (page_ != nullptr) page_->serve();  // the command is to inherit no browser's connection
   std::optional<int> status;
   while (!status || is_about_to_go_on()) {
     serve_once();
     while (const auto signal = signals_.next()) {
       if (*signal == SIGCHLD) continue;
+      options_.stay = false;
       if (status) recovery_due_.reset();
       if (!status) child.send_signal(*signal);
     }
     if (!status && (status = child.ended())) print_all_waiting_bytes();
   }
+  if (options_.stay) serve_until_signal();
   finish();
   return *status;
+}
+
+void Service::serve_until_signal() {
+  while (true) {
+    serve_once();
+    if (const auto signal = signals_.next(); signal && *signal != SIGCHLD) break;
+  }
 }
 
 // A command that has sent all and ended does not keep its receipt from being printed when the
@@ -107,14 +127,29 @@ void Service::power_up() {
 }
 
 void Service::serve_once() {
+  update_page();  // also on the first turn, when nothing has happened yet
   wait();
   print_waiting_bytes();
   act_on_time();
-  if (control_ == nullptr) return;
-  control_->serve([this](const std::string& request) {
-    print_all_waiting_bytes();  // what was sent before the request is printed before it
-    return control(request);
-  });
+  serve_requests();
+}
+
+// What was sent before a request is printed before it, and whoever asked finds the page changed.
+void Service::serve_requests() {
+  const auto answer = [this](const std::string& request) {
+    print_all_waiting_bytes();
+    ControlReply reply = control(request);
+    update_page();
+    return reply;
+  };
+  if (control_ != nullptr) control_->serve(answer);
+  if (page_ != nullptr) page_->requests().serve(answer);
+}
+
+void Service::update_page() {
+  if (page_ == nullptr) return;
+  page_->show_paper(printer_.paper());
+  page_->show_status(status());
 }
 
 void Service::wait() const {
@@ -125,6 +160,7 @@ void Service::wait() const {
   if (control_ != nullptr) {
     for (const int descriptor : control_->descriptors()) sources.push_back({descriptor, POLLIN, 0});
   }
+  if (page_ != nullptr) sources.push_back({page_->requests().descriptor(), POLLIN, 0});
   int timeout_ms = -1;
   if (const auto deadline = next_deadline()) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now());
@@ -161,7 +197,7 @@ void Service::act_on_time() {
 ControlReply Service::control(const std::string& request) {
   const auto parsed = parse_control_request(request);
   if (!parsed) return {false, "the printer does not understand: " + request};
-  if (std::holds_alternative<StatusQuery>(*parsed)) return {true, status()};
+  if (std::holds_alternative<StatusQuery>(*parsed)) return {true, lines_of(status())};
   if (const auto* condition = std::get_if<ConditionChange>(&*parsed)) change(*condition);
   if (const auto* setting = std::get_if<SettingChange>(&*parsed)) change(*setting);
   return {true, ""};
@@ -186,17 +222,16 @@ void Service::look_for_hang_up() {
   frame_due_.reset();
 }
 
-std::string Service::status() const {
-  std::string text;
+Status Service::status() const {
+  Status status;
   for (const Condition condition : kAllConditions) {
-    text +=
-        std::string(name_of(condition)) + switch_word(printer_.conditions().has(condition)) + "\n";
+    status.emplace_back(name_of(condition), switch_word(printer_.conditions().has(condition)));
   }
   for (const LineSetting& setting : kLineSettings) {
-    text += std::string(setting.name) + " " + value_in_words(setting, options_.line) + "\n";
+    status.emplace_back(setting.name, value_in_words(setting, options_.line));
   }
   const auto count = [&](const char* name, std::size_t number) {
-    text += std::string(name) + " " + std::to_string(number) + "\n";
+    status.emplace_back(name, std::to_string(number));
   };
   count("receipts", receipt_count_);
   count("lines", printer_.printed_lines());
@@ -204,7 +239,7 @@ std::string Service::status() const {
   count("refused frames", refused_frames_);
   count("refused content", refused_content_);
   count("bytes held", printer_.held_bytes());
-  return text;
+  return status;
 }
 
 bool Service::takes_bytes() const {
@@ -266,7 +301,9 @@ void Service::finish() {
   if (refused_content_ > 0) std::fprintf(stderr, "refused content in all: %zu\n", refused_content_);
 }
 
-void Service::report_decoded(const Decoded& /*decoded*/, Piece /*piece*/) {}
+void Service::report_decoded(const Decoded& decoded, Piece piece) {
+  if (page_ != nullptr) page_->show_decoded(decoded, piece);
+}
 
 void Service::answer(std::string_view bytes) {
   answers_.push(bytes, Clock::now());
@@ -278,10 +315,16 @@ void Service::send_due_answers() {
 
 void Service::send(std::string_view bytes) {
   const std::size_t taken = printer_.conditions().is_cut_off() ? 0 : link_.write(bytes);
+  if (page_ != nullptr) page_->show_answer(bytes.substr(0, taken));
   if (taken < bytes.size()) {
-    std::fprintf(stderr, "answer lost, nobody reads the line:%s\n",
-                 hex_after_blank(bytes.substr(taken)).c_str());
+    complain("answer lost, nobody reads the line:" + hex_after_blank(bytes.substr(taken)));
   }
+}
+
+// What has no place of its own among the commands.
+void Service::complain(const std::string& words) {
+  std::fprintf(stderr, "%s\n", words.c_str());
+  if (page_ != nullptr) page_->show_note(words);
 }
 
 void Service::beep() {
@@ -302,22 +345,22 @@ void Service::report_refused(const RefusedFrame& frame) {
 
 void Service::report_refused(const Refused& content) {
   ++refused_content_;
-  std::fprintf(stderr, "refused: %s\n", content.what());
+  complain(std::string("refused: ") + content.what());
 }
 
 void Service::report_forgotten(std::size_t characters) {
-  std::fprintf(stderr, "forgotten before it was printed: %zu characters\n", characters);
+  complain("forgotten before it was printed: " + std::to_string(characters) + " characters");
 }
 
 void Service::report_cut_off(std::size_t bytes) {
-  std::fprintf(stderr, "connection ended within a command: %zu bytes forgotten\n", bytes);
+  complain("connection ended within a command: " + std::to_string(bytes) + " bytes forgotten");
 }
 
 // Whoever reads the line may rely on it: the other end has seen the condition by then. A printer
 // without power says nothing, not even what it was about to say.
 void Service::report_condition(Condition condition, bool on) {
   link_.show(printer_.conditions());
-  say("condition " + std::string(name_of(condition)) + switch_word(on));
+  say("condition " + std::string(name_of(condition)) + ' ' + switch_word(on));
   if (condition == Condition::kPowerOff && on) answers_.clear();
   if (!options_.fault || options_.fault->condition != condition || !options_.recovery) return;
   if (!on) {
@@ -337,7 +380,9 @@ void Service::remember(const Memory& memory) {
 
 void Service::deliver(const Receipt& receipt, PaperEnd end) {
   ++receipt_count_;
-  say("receipt " + files_.write(receipt, end).string());
+  RenderedReceipt rendered = render(receipt);
+  if (files_) say("receipt " + files_->write(rendered, end).string());
+  if (page_ != nullptr) page_->show_receipt(std::move(rendered), end);
 }
 
 }  // namespace virtual_printer

@@ -14,6 +14,7 @@
 #include "control_request.h"
 #include "line_faults.h"
 #include "link.h"
+#include "page.h"
 #include "printer.h"
 #include "receipt_files.h"
 #include "signal_queue.h"
@@ -21,23 +22,26 @@
 namespace virtual_printer {
 
 struct ServiceOptions {
-  std::string output_folder = ".";
-  std::string memory_file;  // empty: the memory lives as long as the process
-  std::string record_file;  // empty: what arrives is not recorded
+  std::string output_folder = ".";  // empty: receipts are not written
+  std::string memory_file;          // empty: the memory lives as long as the process
+  std::string record_file;          // empty: what arrives is not recorded
   std::optional<ScriptedFault> fault;
   std::optional<std::chrono::milliseconds> recovery;  // from the fault on
   LineFaults line;
+  bool stay = false;  // when the command has ended
 };
 
 class Service : private PrinterListener {
  public:
-  // The control socket may be missing.
-  Service(Link& link, SignalQueue& signals, ControlSocket* control, ServiceOptions options);
+  // The control socket and the page may be missing.
+  Service(Link& link, SignalQueue& signals, ControlSocket* control, Page* page,
+          ServiceOptions options);
 
   // Serves until a signal ends it.
   void run();
 
-  // Serves until the command has ended and all that it sent is printed; returns its exit status.
+  // Serves until the command has ended and all that it sent is printed, or stays until a signal
+  // ends it then; returns the command's exit status.
   // Signals to end are passed on to the command.
   int run(const std::vector<std::string>& command, const Environment& environment);
 
@@ -61,16 +65,20 @@ class Service : private PrinterListener {
   void deliver(const Receipt& receipt, PaperEnd end) override;
 
   void power_up();
+  void serve_until_signal();
   void serve_once();
   void wait() const;
   std::optional<Clock::time_point> next_deadline() const;
   void act_on_time();
   void send_due_answers();
   void send(std::string_view bytes);
+  void serve_requests();
   ControlReply control(const std::string& request);
   void change(const ConditionChange& change);
   void change(const SettingChange& change);
-  std::string status() const;
+  Status status() const;
+  void update_page();
+  void complain(const std::string& words);
   bool takes_bytes() const;
   std::size_t most_to_read() const;
   std::size_t print_waiting_bytes();  // one read's worth, so that signals are seen between
@@ -83,8 +91,9 @@ class Service : private PrinterListener {
   Link& link_;
   SignalQueue& signals_;
   ControlSocket* control_;
+  Page* page_;
   ServiceOptions options_;
-  ReceiptFiles files_;
+  std::optional<ReceiptFiles> files_;
   std::ofstream record_;
   AnswerQueue answers_;
   Printer printer_;

@@ -21,11 +21,11 @@ std::string text_of_cells(const std::vector<Cell>& cells) {
   return text;
 }
 
+}  // namespace
+
 std::string text_of(const Line& line) {
   return line.picture ? '[' + line.picture->caption + ']' : text_of_cells(line.cells);
 }
-
-}  // namespace
 
 std::string text_of(const Receipt& receipt) {
   std::string text;

@@ -11,5 +11,6 @@ namespace virtual_printer {
 // columns of font A, or of font B on a line that is all font B; styles and sizes are not shown. A
 // picture or symbol is its caption in brackets, which has the characters that stand with a symbol.
 std::string text_of(const Receipt& receipt);
+std::string text_of(const Line& line);  // without its end
 
 }  // namespace virtual_printer

@@ -35,6 +35,7 @@ class Typesetter {
   bool has_fed() const { return paper_.length > 0; }
   bool has_ink() const;
   int length() const { return paper_.length; }
+  const Receipt& paper() const { return paper_; }
   std::size_t printed_lines() const { return printed_lines_; }  // ever
 
   // Hands over the printed paper and goes on with a fresh piece; the open line stays open.

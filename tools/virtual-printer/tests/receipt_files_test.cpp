@@ -21,7 +21,8 @@ std::string content_of(const std::filesystem::path& path) {
 TEST(ReceiptFiles, writes_picture_and_text) {
   const TemporaryFolder folder;
   ReceiptFiles files(folder.path() / "new");
-  EXPECT_EQ(files.write(printed("a"), PaperEnd::kCut), folder.path() / "new/receipt-001.png");
+  EXPECT_EQ(files.write(render(printed("a")), PaperEnd::kCut),
+            folder.path() / "new/receipt-001.png");
   EXPECT_EQ(content_of(folder.path() / "new/receipt-001.txt"), "a\n");
   EXPECT_TRUE(content_of(folder.path() / "new/receipt-001.png").starts_with("\x89PNG"));
 }
@@ -31,8 +32,9 @@ TEST(ReceiptFiles, counts_past_files_of_every_kind) {
   std::ofstream(folder.path() / "receipt-001.txt").close();
   std::ofstream(folder.path() / "receipt-002-uncut.png").close();
   ReceiptFiles files(folder.path());
-  EXPECT_EQ(files.write(printed("a"), PaperEnd::kCut).filename(), "receipt-003.png");
-  EXPECT_EQ(files.write(printed("b"), PaperEnd::kUncut).filename(), "receipt-004-uncut.png");
+  EXPECT_EQ(files.write(render(printed("a")), PaperEnd::kCut).filename(), "receipt-003.png");
+  EXPECT_EQ(files.write(render(printed("b")), PaperEnd::kUncut).filename(),
+            "receipt-004-uncut.png");
   EXPECT_EQ(content_of(folder.path() / "receipt-004-uncut.txt"), "b\n");
 }
 
