@@ -178,24 +178,44 @@ Outcome PrinterTest::finish() {
           paper_in(in_folder("paper"))};
 }
 
-bool PrinterTest::wait_for_line(const std::string& beginning) const {
+Outcome PrinterTest::end() {
+  kill(printer_, SIGTERM);
+  return finish();
+}
+
+bool PrinterTest::wait_for_line(const std::string& beginning, std::size_t count) const {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (std::chrono::steady_clock::now() < deadline) {
-    if (!lines_that_begin(content_of(in_folder("run.out")), beginning).empty()) return true;
+    if (lines(beginning).size() >= count) return true;
     std::this_thread::sleep_for(kPause);
   }
   return false;
 }
 
-// On a port that the printer found free, as its first line says it.
+PrinterTest::Words PrinterTest::lines(const std::string& beginning) const {
+  std::istringstream stream(lines_that_begin(content_of(in_folder("run.out")), beginning));
+  Words lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
 bool PrinterTest::set(const std::string& name, const std::string& value) const {
-  Words words{VIRTUAL_PRINTER_PROGRAM, "set", name, value};
-  words.insert(words.end(), address_.begin(), address_.end());
+  return ask({"set", name, value});
+}
+
+std::string PrinterTest::status() const {
+  return ask({"status"}) ? content_of(in_folder("request.out")) : "";
+}
+
+// On a port that the printer found free, as its first line says it.
+bool PrinterTest::ask(Words request) const {
+  request.insert(request.begin(), VIRTUAL_PRINTER_PROGRAM);
+  request.insert(request.end(), address_.begin(), address_.end());
   if (address_.front() == "--listen") {
-    const std::string ready = lines_that_begin(content_of(in_folder("run.out")), "ready");
-    words.back() = ready.substr(ready.rfind(' ') + 1, ready.size() - ready.rfind(' ') - 2);
+    const std::string ready = lines("ready").front();
+    request.back() = ready.substr(ready.rfind(' ') + 1);
   }
-  const pid_t pid = spawn(words, "set");
+  const pid_t pid = spawn(request, "request");
   return pid > 0 && exit_status_of(pid) == 0;
 }
 

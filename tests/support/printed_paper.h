@@ -60,11 +60,17 @@ class PrinterTest : public testing::Test {
   // The same with the test going on meanwhile.
   void start_under_printer(const Words& options, const Words& command);
   Outcome finish();
+  // The same for a printer that would go on.
+  Outcome end();
 
-  // Waits until standard output has a line that begins like that; whether it came.
-  bool wait_for_line(const std::string& beginning) const;
+  // Waits until standard output has so many lines that begin like that; whether they came.
+  bool wait_for_line(const std::string& beginning, std::size_t count = 1) const;
+  // The lines that have come and begin like that.
+  Words lines(const std::string& beginning) const;
   // Changes a condition or a setting of the running printer; whether it took effect.
   bool set(const std::string& name, const std::string& value) const;
+  // What the running printer says of itself.
+  std::string status() const;
 
   // For a shell: the printer's program with a request to the printer that runs it.
   static std::string request(const std::string& words);
@@ -82,6 +88,7 @@ class PrinterTest : public testing::Test {
   std::string recorded() const;
 
  private:
+  bool ask(Words request) const;
   pid_t spawn(const Words& words, const std::string& output_name) const;
   std::filesystem::path in_folder(const std::string& name) const { return folder_ / name; }
 

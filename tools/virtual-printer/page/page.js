@@ -16,6 +16,11 @@ function make(name, text, className) {
   return node;
 }
 
+function inputOf(button) {
+  const setting = button.closest('.setting');
+  return setting && setting.querySelector('input');
+}
+
 // The newest stays visible, unless somebody has scrolled to something older.
 function keepingEnd(box, change) {
   const atEnd = box.scrollHeight - box.scrollTop - box.clientHeight < 48;
@@ -50,7 +55,7 @@ function showStatus(status) {
   for (const button of buttons) {
     const value = status[button.dataset.name];
     button.setAttribute('aria-pressed', String(value !== 'off'));
-    const input = button.parentElement.querySelector('label > input');
+    const input = inputOf(button);
     if (input && /^\d+$/.test(value)) input.value = value;
   }
   get('counters').textContent =
@@ -143,7 +148,7 @@ function connect() {
 
 function valueFor(button) {
   if (button.getAttribute('aria-pressed') === 'true') return 'off';
-  const input = button.parentElement.querySelector('label > input');
+  const input = inputOf(button);
   return input ? input.value : 'on';
 }
 
