@@ -2,7 +2,8 @@
 #
 #   make demo     print a receipt on the virtual printer and leave a picture of it: over TCP, or with
 #                 LINK=serial, usb or parallel over one of these; with FAULT=paper-out, cover-open,
-#                 cutter-jam, power-off or connection-lost something goes wrong
+#                 cutter-jam, power-off or connection-lost something goes wrong; with PAGE=1 the
+#                 printer shows itself in a browser until it is interrupted
 #   make test     build the 32-bit library and run every test
 #   make manual   the manual, as pages for man and for a browser, in build/native/manual
 #   make format   format the sources; make lint checks them
@@ -28,7 +29,7 @@ build/i386/libTZVIO.so.0: FORCE
 
 demo:
 	@tools/install-dependencies.sh demo
-	@tools/demo.sh $(JOBS) $(LINK) $(FAULT)
+	@tools/demo.sh $(JOBS) $(LINK) "$(FAULT)" "$(PAGE)"
 
 test: build/i386/libTZVIO.so.0
 	@cmake --preset native >/dev/null

@@ -1,8 +1,9 @@
 #!/bin/sh
 # Prints the example receipt through the 32-bit library on the virtual printer.
-#   demo.sh JOBS LINK [FAULT]
+#   demo.sh JOBS LINK FAULT PAGE
 #     LINK   tcp, serial, usb or parallel
-#     FAULT  paper-out, cover-open, cutter-jam, power-off or connection-lost
+#     FAULT  paper-out, cover-open, cutter-jam, power-off or connection-lost; empty: none
+#     PAGE   1: the printer shows itself in a browser, and stays; empty: not
 set -eu
 cd "$(dirname "$0")/.."
 jobs=${1-2}
@@ -31,6 +32,9 @@ case ${3-} in
     ;;
 esac
 
+page=''
+[ "${4-}" != 1 ] || page='--page --stay'
+
 quietly() { "$@" >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }; }
 
 mkdir -p build
@@ -43,8 +47,9 @@ quietly cmake --build build/demo-native --parallel "$jobs" --target virtual-prin
 rm -rf build/demo
 mkdir -p build/demo
 echo "Printing examples/receipt.c on the virtual printer"
+[ -z "$page" ] || echo "Open the page in a browser; Ctrl-C ends the printer"
 # shellcheck disable=SC2016,SC2086 # the printer's own variables; lists of options
-build/demo-native/tools/virtual-printer/virtual-printer $line --output build/demo --strict $fault -- \
+build/demo-native/tools/virtual-printer/virtual-printer $line --output build/demo --strict $fault $page -- \
   sh -c 'exec build/demo-i386/examples/receipt "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS"'
 receipt=$PWD/build/demo/receipt-001.png
 [ -s "$receipt" ] || { echo "No receipt came out" >&2; exit 1; }

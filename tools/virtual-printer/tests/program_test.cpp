@@ -8,15 +8,19 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
+#include <set>
 #include <string>
 #include <utility>
 
+#include "http_caller.h"
 #include "program_fixture.h"
 
 namespace virtual_printer {
 namespace {
 
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
@@ -203,6 +207,47 @@ TEST_F(ProgramTest, what_cannot_be_decoded_is_a_failure) {
   EXPECT_EQ(lines_of(decode + "/nowhere"), "virtual-printer: cannot read /nowhere\n125\n");
   EXPECT_EQ(lines_of(decode + "/"), "virtual-printer: cannot read /\n125\n");
   EXPECT_THAT(lines_of(decode + "-- true"), HasSubstr("decode take no COMMAND"));
+}
+
+// The options of a help text, or those that a manual page writes with its own hyphens.
+std::set<std::string> options_in(const std::string& text) {
+  std::set<std::string> options;
+  const std::regex option("--[a-z][a-z-]+");
+  for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found) {
+    options.insert(found->str());
+  }
+  return options;
+}
+
+TEST_F(ProgramTest, manual_page_has_every_option) {
+  const std::string manual = std::regex_replace(content_of(MANUAL_PAGE), std::regex(R"(\\-)"), "-");
+  const auto in_help =
+      options_in(lines_of(program() + " --help") + lines_of(program() + " decode --help"));
+  EXPECT_GT(in_help.size(), 20U);
+  EXPECT_EQ(options_in(manual), in_help);
+}
+
+TEST_F(ServingTest, page_shows_the_printer_and_changes_it) {
+  start_serving({"--listen", "0", "--page"});
+  const std::string page = next_line();
+  ASSERT_THAT(page, MatchesRegex("page http://127.0.0.1:[0-9]+/\n"));
+  ASSERT_THAT(next_line(), StartsWith("ready"));
+  HttpCaller caller(page.substr(5, page.size() - 7));
+  for (const std::string name : {"cover", "connection-lost", "mute", "slow"}) {
+    EXPECT_EQ(caller.ask("set " + name + (name == "slow" ? " 77" : " on"))->status, 200);
+    const std::string value = name == "slow" ? "77" : "on";
+    EXPECT_THAT(caller.events_until("\n\n"), HasSubstr('"' + name + "\":\"" + value + '"'));
+  }
+  EXPECT_EQ(caller.ask("set lid on")->status, 400);
+  EXPECT_EQ(stop(), 0);
+}
+
+TEST_F(ProgramTest, page_needs_an_address_that_it_can_have) {
+  const std::string page = program() + " --listen 0 --page ";
+  EXPECT_THAT(lines_of(page + "--page-address shop.example -- true"), HasSubstr("in numbers"));
+  EXPECT_THAT(lines_of(page + "--page-address 192.0.2.1 -- true"),
+              HasSubstr("cannot serve the page at 192.0.2.1"));
+  EXPECT_THAT(lines_of(program() + " --page-address 127.0.0.1 -- true"), HasSubstr("--page"));
 }
 
 TEST_F(ProgramTest, command_does_not_run_without_the_library_that_plays_its_device) {
