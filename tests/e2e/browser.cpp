@@ -57,7 +57,7 @@ std::string port_in(const fs::path& output) {
   while (std::chrono::steady_clock::now() < deadline) {
     std::ifstream file(output);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    const std::string port = between(text, "successfully on port ", ".");
+    std::string port = between(text, "successfully on port ", ".");
     if (!port.empty()) return port;
     std::this_thread::sleep_for(kPause);
   }

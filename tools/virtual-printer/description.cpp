@@ -67,8 +67,8 @@ std::string enlargement(unsigned value) {
 }
 
 std::string character_size(const Command& command) {
-  const int width = (command.argument >> 4U & 7U) + 1;
-  const int height = (command.argument & 7U) + 1;
+  const unsigned width = (command.argument >> 4U & 7U) + 1;
+  const unsigned height = (command.argument & 7U) + 1;
   return "width x" + std::to_string(width) + ", height x" + std::to_string(height);
 }
 
