@@ -9,7 +9,8 @@
 #include <vector>
 
 #include "browser.h"
-#include "printed_paper.h"
+#include "support/printed_paper.h"
+#include "tills.h"
 
 namespace {
 
@@ -68,10 +69,6 @@ class LivePage : public PrinterTest {
     browser_->press_enter();
   }
 
-  static Words status_till() {
-    return {"/bin/sh", "-c", R"(exec "$0" "$VIRTUAL_PRINTER_PORT" "$VIRTUAL_PRINTER_SETTINGS")",
-            STATUS_TILL_PROGRAM};
-  }
   static Words nobody() { return {"/bin/sleep", "1000"}; }
 
   std::optional<Browser> browser_;
@@ -98,24 +95,22 @@ TEST_F(LivePage, receipt_comes_out_on_it_with_its_commands_beside_it) {
 }
 
 TEST_F(LivePage, faults_by_its_buttons_reach_the_library) {
-  show({}, status_till());
-  ASSERT_TRUE(wait_for_line("status 0"));
+  show({}, program(EXAMPLES_FOLDER "/status"));
+  ASSERT_TRUE(wait_for_line("0, "));
   const auto press_and_see = [this](const std::string& name, const std::string& status) {
     const std::size_t before = lines(status).size();
     press(name);
     EXPECT_TRUE(wait_for_line(status, before + 1)) << name << ", " << status;
   };
-  const std::vector<std::pair<std::string, std::string>> faults{{"cover", "status 1"},
-                                                                {"paper-out", "status 2"},
-                                                                {"near-end", "status 8"},
-                                                                {"jam", "status 16"}};
+  const std::vector<std::pair<std::string, std::string>> faults{
+      {"cover", "1, "}, {"paper-out", "2, "}, {"near-end", "8, "}, {"jam", "16, "}};
   for (const auto& [name, status] : faults) {
     press_and_see(name, status);
     EXPECT_TRUE(browser_->wait_for(is_pressed(name))) << name;
-    press_and_see(name, "status 0");
+    press_and_see(name, "0, ");
     EXPECT_TRUE(browser_->wait_for("!(" + is_pressed(name) + ")")) << name;
   }
-  press_and_see("connection-lost", "status 4");
+  press_and_see("connection-lost", "4, ");
 }
 
 TEST_F(LivePage, every_button_sets_and_ends_what_it_says) {
