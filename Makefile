@@ -6,6 +6,7 @@
 #                 printer shows itself in a browser until it is interrupted
 #   make test     build the 32-bit library and run every test
 #   make manual   the manual, as pages for man and for a browser, in build/native/manual
+#   make package  Debian packages, for this machine and for i386, in build/package
 #   make format   format the sources; make lint checks them
 #   make bench    how fast things are, in both widths
 #   make sanitize the same tests natively, under the sanitizers
@@ -21,7 +22,7 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench manual sanitize format lint clean FORCE
+.PHONY: all demo test bench manual package sanitize format lint clean FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -50,6 +51,10 @@ manual:
 	@cmake --preset native >/dev/null
 	@cmake --build --preset native --parallel $(JOBS) --target manual
 	@echo "The manual: $(CURDIR)/build/native/manual/html/tzvio.html"
+
+package:
+	@tools/install-dependencies.sh package
+	@tools/package.sh $(JOBS)
 
 sanitize: $(PRESETS:%=sanitize-%)
 sanitize-%:

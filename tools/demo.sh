@@ -39,9 +39,10 @@ quietly() { "$@" >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }; }
 
 mkdir -p build
 echo "Building the library and the virtual printer"
-quietly cmake --preset i386 -DTZVIO_DEVELOPER_MODE=OFF -B build/demo-i386
+quietly cmake --preset i386 -DTZVIO_DEVELOPER_MODE=OFF -DTZVIO_CLI=OFF -B build/demo-i386
 quietly cmake --build build/demo-i386 --parallel "$jobs" --target receipt
-quietly cmake --preset native -DTZVIO_DEVELOPER_MODE=OFF -DTZVIO_MANUAL=OFF -B build/demo-native
+quietly cmake --preset native -DTZVIO_DEVELOPER_MODE=OFF -DTZVIO_CLI=OFF -DTZVIO_MANUAL=OFF \
+  -B build/demo-native
 quietly cmake --build build/demo-native --parallel "$jobs" --target virtual-printer
 
 rm -rf build/demo

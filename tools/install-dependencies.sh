@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
-#   install-dependencies.sh demo|test|bench|manual|lint
+#   install-dependencies.sh demo|test|bench|manual|package|lint
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
@@ -16,8 +16,14 @@ case ${1-} in
   test) packages="$everything $browser iproute2" ;;
   bench) packages="$everything dpkg-dev" ;;
   manual) packages="$everything" ;;
+  package)
+    packages="$build $tool $printer $manual debhelper dpkg-dev fakeroot lintian"
+    # What the 32-bit packages depend on is looked up in packages of that architecture.
+    [ "$(dpkg --print-architecture)" != amd64 ] ||
+      packages="$packages binutils-i686-linux-gnu libc6:i386 libgcc-s1:i386 libstdc++6:i386"
+    ;;
   lint) packages="$everything clang-format clang-tidy" ;;
-  *) echo "usage: $0 demo|test|bench|manual|lint" >&2 && exit 2 ;;
+  *) echo "usage: $0 demo|test|bench|manual|package|lint" >&2 && exit 2 ;;
 esac
 
 missing=''
@@ -37,6 +43,7 @@ if [ "$(id -u)" != 0 ]; then
 fi
 echo "Installing:$missing"
 export DEBIAN_FRONTEND=noninteractive
+case $missing in *:i386*) $as_root dpkg --add-architecture i386 ;; esac
 $as_root apt-get update --quiet=2
 # shellcheck disable=SC2086 # a list of names
 $as_root apt-get install --quiet=2 --no-install-recommends --yes $missing

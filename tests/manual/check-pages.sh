@@ -1,10 +1,11 @@
 #!/bin/sh
 # The manual's pages: every operation and every guide has one, in both forms; formatters find nothing
 # wrong with them, and no link leads nowhere.
-#   check-pages.sh PAGES DOCS
+#   check-pages.sh PAGES DOCS TOOL-PAGE...
 set -eu
 pages=$1
 docs=$2
+shift 2
 failed=0
 complain() { echo "$*"; failed=1; }
 
@@ -19,7 +20,7 @@ for source in "$docs"/operations/*.md "$docs"/*.md; do
   [ -s "$pages/html/$name.html" ] || complain "no page $name.html"
 done
 
-for page in "$pages"/man/*/*; do
+for page in "$pages"/man/*/* "$@"; do
   # Warnings begin with "mandoc: FILE:"; style is lowdown's.
   mandoc -Tlint -Wwarning "$page" | grep -vE 'STYLE|missing date|unusual' || true
 done >"$pages/lint"

@@ -48,9 +48,16 @@ void set_up_line(DevicePage& page) {
   std::copy(words.begin(), words.end(), page.line_settings);
 }
 
-// Beside the program, in the folder of each width; the loader puts the width's name for $LIB.
+// Where the library is built, and where it is installed.
+std::filesystem::path preload_folder() {
+  const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const auto built = program / "preload";
+  return std::filesystem::is_directory(built) ? built : program.parent_path() / "lib/tzvio/preload";
+}
+
+// In the folder of each width; the loader puts the width's name for $LIB.
 std::string preload_library() {
-  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "preload";
+  const auto folder = preload_folder();
   // A loader that finds no library goes on without it, and the command would find a real device.
   if (!std::filesystem::is_directory(folder)) {
     throw std::runtime_error("the library that plays devices is missing: " + folder.string());
