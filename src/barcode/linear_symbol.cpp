@@ -76,27 +76,28 @@ char module_by_threshold(const Thresholds& thresholds, int32_t dots) {
 }
 
 /// How far a symbol of that width stays behind the dots it may have, and by which rounding that is
-/// compared; below 0 when it does not fit.
+/// compared; below 0 when it does not fit. In 64 bits: any width and any length of data may be
+/// asked for.
 struct Spare {
-  int32_t dots;
-  int32_t compared;
+  int64_t dots;
+  int64_t compared;
 };
 
 Spare spare_dots(double factor, std::size_t length, int32_t dots) {
   constexpr double kHalf = 0.5;
   const long double exact = static_cast<long double>(length) * factor;
-  const auto whole = static_cast<int32_t>(factor);
-  if (factor == whole) {
-    const int32_t total = static_cast<int32_t>(length) * whole;
+  const auto whole = static_cast<int64_t>(factor);
+  if (factor == static_cast<double>(whole)) {
+    const int64_t total = static_cast<int64_t>(length) * whole;
     return {dots - total, dots - total};
   }
-  const auto total = static_cast<int32_t>(exact + kHalf);
-  return {dots - total, static_cast<int32_t>(dots - exact + kHalf)};
+  const auto total = static_cast<int64_t>(exact + kHalf);
+  return {dots - total, static_cast<int64_t>(dots - exact + kHalf)};
 }
 
 /// The widest module whose symbol fits; of equal ones the narrower. The narrowest when none fits.
 char module_by_fitting(const Factors& factors, std::size_t length, int32_t dots) {
-  int32_t min = 9999;
+  int64_t min = 9999;
   char module = kNarrowest;
   for (int i = 0; i < kModules; ++i) {
     const Spare spare = spare_dots(factors.by_module[i], length, dots);

@@ -243,6 +243,13 @@ LinearFault fault_of(const LinearSymbol& symbol) {
   return build_linear_symbol(symbol, kSettings, block).fault;
 }
 
+// The spare dots of such a width leave 32 bits.
+TEST(LinearSymbol, the_narrowest_module_is_taken_below_every_width) {
+  EXPECT_EQ(module_of(symbol_of(TZV_BARCODE_CODE39, "ABC", INT32_MIN)), 2);
+  EXPECT_EQ(module_of(symbol_of(TZV_BARCODE_CODE128, "ABC", INT32_MIN)), 2);
+  EXPECT_EQ(module_of(symbol_of(TZV_BARCODE_EAN13, "400638133393", INT32_MIN)), 2);
+}
+
 TEST(LinearSymbol, says_what_keeps_it_from_being_printed) {
   EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_CODE39, "12")), LinearFault::kNone);
   EXPECT_EQ(fault_of(symbol_of(TZV_BARCODE_CODE39, "12", 641)), LinearFault::kTooWide);
