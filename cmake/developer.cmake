@@ -9,7 +9,8 @@ if(TZVIO_DEVELOPER_MODE)
     INTERFACE -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wcast-align
               -Wcast-qual -Wformat=2 -Wundef -Wvla
               $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
-              -Wextra-semi -Wduplicated-cond -Wlogical-op>)
+              -Wextra-semi>
+              $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wduplicated-cond -Wlogical-op>)
 endif()
 
 set(TZVIO_SANITIZE "" CACHE STRING "Sanitizers for everything that is built, as -fsanitize takes them")
@@ -17,3 +18,11 @@ if(TZVIO_SANITIZE)
   add_compile_options(-fsanitize=${TZVIO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${TZVIO_SANITIZE})
 endif()
+
+# For what is fuzzed; the targets themselves stay without, so that coverage speaks of the code under
+# test alone.
+function(tzvio_instrument target)
+  if(TZVIO_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
