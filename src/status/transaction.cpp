@@ -40,7 +40,6 @@ void send_framed(const Transport& transport, PortHandle port, std::string_view j
 }
 
 void send_collected(const Transport& transport, PortHandle port) {
-  const SendingJob sending(transport.state);
   const std::string_view job = collected(transport.state);
   if (job.empty()) return;
   if (transport.state.bProtocol != 0) {
@@ -74,13 +73,22 @@ long wait_for_confirmation(const Transport& transport, PortHandle port) {
   return kOk;
 }
 
-long end(const Transport& transport, PortHandle port, long PrintMode) {
+/// Ends the collecting with a request, and sends the job.
+void send_job(const Transport& transport, PortHandle port, long PrintMode) {
   const TransportState& state = transport.state;
+  // From here on: when a job is sent again, the request goes out ahead of it, and its confirmation
+  // must not take the job away.
+  const SendingJob sending(state);
   buffered_write(transport, port, kProcessIdRequest);
   state.TransactionPrint = PrintMode;
   state.bSleepFlag = 1;
   state.OutputComplemetFlag = 0;
   send_collected(transport, port);
+}
+
+long end(const Transport& transport, PortHandle port, long PrintMode) {
+  const TransportState& state = transport.state;
+  send_job(transport, port, PrintMode);
   const long error = wait_for_confirmation(transport, port);
   // The monitor goes on polling fast, so that the end of the error state is seen at once.
   if (error != kOk) return error;

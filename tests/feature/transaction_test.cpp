@@ -198,6 +198,21 @@ TEST_P(Transaction, an_end_after_a_failed_end_sends_the_job_again) {
   EXPECT_THAT(printer.writes, ElementsAre(first, kProcessIdRequest, first));
 }
 
+// The monitor still looks every 10 ms then, and a network write pauses as long.
+TEST_P(Transaction, the_request_ahead_of_a_job_that_is_sent_again_does_not_confirm_it) {
+  claim();
+  TransactionPrint(port, 1);
+  print_ten_bytes();
+  *state.bCoverOpen = 1;
+  EXPECT_EQ(TransactionPrint(port, 0), 1);
+  EXPECT_EQ(sent(), "") << "refused";
+  *state.bCoverOpen = 0;
+  kernel.run_for(600);
+  printer.confirm_jobs();
+  EXPECT_EQ(TransactionPrint(port, 0), 0);
+  EXPECT_THAT(printer.writes, ElementsAre(kProcessIdRequest, job));
+}
+
 TEST_P(Transaction, a_job_that_fills_the_buffer_is_confirmed_by_a_repeated_request) {
   claim();
   TransactionPrint(port, 1);
