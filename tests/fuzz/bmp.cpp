@@ -21,7 +21,7 @@ bool is_slow(std::string_view file) {
   BITMAPINFOHEADER info;
   std::memcpy(&header, file.data(), sizeof header);
   std::memcpy(&info, file.data() + sizeof header, sizeof info);
-  const Measured measured = measure(info, SIZE_MAX);
+  const Measured measured = measure(info, INT32_MAX);
   return header.bfSize > kMost ||
          (measured.geometry && measured.geometry->tmpbitsSize > static_cast<std::size_t>(kMost));
 }
