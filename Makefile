@@ -9,11 +9,13 @@
 #   make package  Debian packages, for this machine and for i386, in build/package
 #   make format   format the sources; make lint checks them
 #   make bench    how fast things are, in both widths
-#   make sanitize the same tests natively, under the sanitizers
+#   make sanitize the same tests natively, under the sanitizers, and each fuzzer for some seconds
+#   make fuzz     each fuzzer in both widths for FUZZ_SECONDS (3600); TARGET=links chooses one
 
 JOBS ?= 2
 LINK ?= tcp
 PRESETS := asan tsan
+FUZZ_SECONDS ?= 3600
 
 # A test in real time may meet a machine that stalls for longer than the library waits for a printer;
 # once more tells that from a fault.
@@ -22,7 +24,7 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench manual package sanitize format lint clean FORCE
+.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -56,12 +58,24 @@ package:
 	@tools/install-dependencies.sh package
 	@tools/package.sh $(JOBS)
 
-sanitize: $(PRESETS:%=sanitize-%)
+sanitize: $(PRESETS:%=sanitize-%) fuzz-briefly
 sanitize-%:
 	@tools/install-dependencies.sh test
 	@cmake --preset $* >/dev/null
 	@cmake --build --preset $* --parallel $(JOBS)
 	@$(CTEST) --preset $*
+
+fuzz: fuzzers-fuzz fuzzers-fuzz-i386
+	@tools/fuzz.sh $(FUZZ_SECONDS) $(TARGET)
+
+# Two minutes of running in all.
+fuzz-briefly: fuzzers-fuzz fuzzers-fuzz-i386
+	@tools/fuzz.sh 5
+
+fuzzers-%:
+	@tools/install-dependencies.sh fuzz
+	@cmake --preset $* >/dev/null
+	@cmake --build --preset $* --parallel $(JOBS)
 
 format:
 	@tools/install-dependencies.sh lint

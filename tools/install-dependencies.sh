@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
-#   install-dependencies.sh demo|test|bench|manual|package|lint
+#   install-dependencies.sh demo|test|bench|fuzz|manual|package|lint
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
@@ -15,6 +15,8 @@ case ${1-} in
   demo) packages="$build $printer" ;;
   test) packages="$everything $browser iproute2" ;;
   bench) packages="$everything dpkg-dev" ;;
+  # With it come clang's run-time libraries, for both widths.
+  fuzz) packages="$everything clang libclang-rt-14-dev" ;;
   manual) packages="$everything" ;;
   package)
     packages="$build $tool $printer $manual debhelper dpkg-dev fakeroot lintian"
@@ -23,7 +25,7 @@ case ${1-} in
       packages="$packages binutils-i686-linux-gnu libc6:i386 libgcc-s1:i386 libstdc++6:i386"
     ;;
   lint) packages="$everything clang-format clang-tidy" ;;
-  *) echo "usage: $0 demo|test|bench|manual|package|lint" >&2 && exit 2 ;;
+  *) echo "usage: $0 demo|test|bench|fuzz|manual|package|lint" >&2 && exit 2 ;;
 esac
 
 missing=''
