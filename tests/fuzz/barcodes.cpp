@@ -107,7 +107,7 @@ void check_linear(OpenLink& till, Input& input) {
   const unsigned height = sent.byte();
   const bool dots = *state.MapMode == TZV_MAP_DOTS || *state.MapMode > TZV_MAP_METRIC;
   if (dots && asked.first >= 0 && asked.first < INT32_MAX) {
-    check(height == std::min(asked.first, 254L) + 1, "the height");
+    check(static_cast<long>(height) == std::min(asked.first, 254L) + 1, "the height");
   }
   expect_justification(sent, asked.third, true);
   sent.expect("\035H");
