@@ -88,7 +88,7 @@ void check_linear(OpenLink& till, Input& input) {
   *state.RecLineWidth = input.flag() ? 640 : input.number();
   Arguments asked =
       arguments_from(input, TZV_BARCODE_UPCA - 1 + static_cast<long>(input.choice(13)));
-  asked.data = asked.data.c_str();
+  asked.data = up_to_nul(asked.data);
   const long result = PrintBarCode(till.port, asked.data.c_str(), asked.symbology, asked.first,
                                    asked.second, asked.third, asked.fourth);
   check(result == 0, "PrintBarCode is a success");
@@ -137,11 +137,10 @@ std::string setup(char symbol_class, bool columns_first, const Arguments& asked)
 }
 
 /// The bytes of data that a symbol gets, if it can be printed.
-std::optional<std::string_view> data_of(const Arguments& asked, long length) {
+std::optional<std::string> data_of(const Arguments& asked, long length) {
   constexpr std::size_t kLongest = 8092;
   if (asked.symbology != TZV_BARCODE_PDF417 && asked.symbology != TZV_BARCODE_QRCODE) return {};
-  const std::string_view data =
-      length == 0 ? std::string_view(asked.data.c_str()) : std::string_view(asked.data);
+  const std::string data = length == 0 ? up_to_nul(asked.data) : asked.data;
   if (length < 0 || data.size() > kLongest) return {};
   return data;
 }

@@ -15,7 +15,7 @@ constexpr std::size_t kHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEA
 
 /// Whether the buffers that the headers ask for would take longer than a thousand other inputs.
 bool is_slow(std::string_view file) {
-  constexpr int64_t kMost = 1 << 20;
+  constexpr int64_t kMost = 1 << 16;
   if (file.size() < kHeaders) return false;
   BITMAPFILEHEADER header;
   BITMAPINFOHEADER info;

@@ -38,8 +38,7 @@ bool acceptable(const std::vector<std::string>& names) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   using namespace fuzz;
-  // Up to the NUL that a C string ends with.
-  const std::string list(std::string(Input(data, size).rest()).c_str());
+  const std::string list = up_to_nul(Input(data, size).rest());
   const auto images = parse_image_list(list.c_str());
   const std::vector<std::string> names = second_reading(list);
   check(images.has_value() == acceptable(names), "accepted is what the rules accept");

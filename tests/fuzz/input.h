@@ -59,4 +59,9 @@ class Input {
   std::string_view left_;
 };
 
+/// What a C string of these bytes holds.
+inline std::string up_to_nul(std::string_view bytes) {
+  return std::string(bytes.substr(0, bytes.find('\0')));
+}
+
 }  // namespace fuzz

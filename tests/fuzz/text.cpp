@@ -46,12 +46,12 @@ void check_plain(std::string_view text, std::size_t cut, const TextSettings& set
 TextSettings settings_from(Input& input) {
   constexpr int32_t kUsual[] = {42, 56, 33, 40};
   const std::size_t format = input.choice(std::size(kUsual) + 1);
+  const std::size_t unit = input.choice(5);
+  const bool known = unit <= TZV_MAP_METRIC;
   return {.line_chars = format < std::size(kUsual) ? kUsual[format] : input.number(),
           .line_spacing = input.number(),
           .lines_to_paper_cut = input.number(),
-          .map_mode = input.choice(5) == 4   ? input.number()
-                      : input.choice(4) == 0 ? 0
-                                             : 3,
+          .map_mode = known ? static_cast<int32_t>(unit) : input.number(),
           .rotated = input.flag()};
 }
 
