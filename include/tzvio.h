@@ -561,7 +561,8 @@ TZV_API long SetSerialNumber(const char* portName, const char* SerialNum, long S
  *
  * ReadSerialNum  room for 256 bytes; no NUL is added
  *
- * >=0  the length of the serial number; 0: none recognised
+ * >=0  the length of the serial number; 0: none recognised. An answer of another form gives its
+ *      length less one, and nothing is stored
  *  -1  the port is not open, paper is out, the cover is open, or ReadSerialNum is NULL
  */
 TZV_API long GetSerialNumber(const char* portName, char* ReadSerialNum);
@@ -571,7 +572,8 @@ TZV_API long GetSerialNumber(const char* portName, char* ReadSerialNum);
  * ReadVersion  room for 256 bytes; no NUL is added
  *
  * >0  the length of the version
- *  0  no answer that is a version; the seven characters "Unknown" are stored
+ *  0  no answer that is a version; the seven characters "Unknown" are stored (or nothing, when the
+ *     version is empty)
  * -1  the port is not open, paper is out, the cover is open, or ReadVersion is NULL
  */
 TZV_API long GetFWVersion(const char* portName, char* ReadVersion);
