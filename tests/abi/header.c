@@ -11,5 +11,8 @@
 
 int main(void) {
   const SerPort* port = &serPorts[TZV_PORTS - 1];
-  return tzv_upos_map_mode(TZV_UPOS_MM_DOTS) + port->set + GetError("COM1") == TZV_NOT_ACCEPTED && m_RecLineChars == 42 ? 0 : 1;
+  return tzv_upos_map_mode(TZV_UPOS_MM_DOTS) + port->set + GetError("COM1") == TZV_NOT_ACCEPTED &&
+                 m_RecLineChars == 42
+             ? 0
+             : 1;
 }
