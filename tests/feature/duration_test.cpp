@@ -2,6 +2,7 @@
 // takes nothing more.
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -14,7 +15,7 @@ namespace testkit {
 namespace {
 
 constexpr int64_t kWriteMs = 5000;  // a write that is taken by nobody
-constexpr int64_t kHourMs = 3600 * 1000;
+constexpr int64_t kHourMs = 3'600'000;
 
 /// One row of the table: the cells behind the operation's name.
 using Row = std::vector<std::string>;
@@ -73,7 +74,7 @@ class Durations : public ScriptedTest,
   bool endless() const { return silence().ends_with("no end"); }
   /// Without an end it is only known to be long.
   int64_t silence_ms() const {
-    return endless() ? kHourMs : static_cast<int64_t>(std::stod(silence()) * 1000);
+    return endless() ? kHourMs : std::lround(std::stod(silence()) * 1000);
   }
 
   const Link& link = std::get<Link>(GetParam());

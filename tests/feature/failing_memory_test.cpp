@@ -49,7 +49,7 @@ class FailingMemory : public ScriptedTest,
     const pictures::Bmp picture{.width = 64,
                                 .height = 64,
                                 .palette = std::string(pictures::kWhiteFirst),
-                                .pixels = std::string(8 * 64, '\xaa')};
+                                .pixels = std::string(512, '\xaa')};
     std::ofstream("hungry.bmp", std::ios::binary) << picture.file();
     printer.answer_everything();
     EXPECT_EQ(OpenPort(port, link.settings.c_str()), 0);
