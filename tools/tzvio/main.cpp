@@ -58,6 +58,8 @@ int bad_usage(const CLI::App& app, const CLI::ParseError& error, int argc, char*
 
 }  // namespace
 
+// Only memory that runs out is not caught: it ends the tool.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
   Invocation invocation;
   CLI::App app("Prints on a receipt printer, and finds out how it is.", "tzvio");

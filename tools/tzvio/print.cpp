@@ -64,7 +64,7 @@ std::optional<Result> fill(Session& session, const Print& print,
                            const std::vector<std::string>& texts) {
   for (const std::string& text : texts) {
     if (text.empty()) continue;
-    const auto failed = collected(session, [&] {
+    auto failed = collected(session, [&] {
       return PrintNormalSize(session.port(), text.data(), static_cast<long>(text.size()));
     });
     if (failed) return failed;
