@@ -201,13 +201,11 @@ class Program : public LoneCliTest {
 
   // What bash offers for the last of the words.
   std::string completed(const Words& words) {
-    Words command{"/bin/bash",
-                  "-c",
+    Words command{"/bin/bash", "-c",
+                  // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one script
                   "source \"$1\"; shift; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _tzvio\n"
                   "echo \"${COMPREPLY[@]}\"",
-                  "bash",
-                  TZVIO_COMPLETION,
-                  TZVIO_PROGRAM};
+                  "bash", TZVIO_COMPLETION, TZVIO_PROGRAM};
     command.insert(command.end(), words.begin(), words.end());
     return run(command).out;
   }
