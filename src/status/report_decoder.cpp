@@ -22,6 +22,9 @@ constexpr std::string_view kConfirmation{
     "7\x22"
     "FFFF\0",
     7};
+// Before and behind the identifier. No report begins like that.
+constexpr std::string_view kAnswerHeader = first_of(kConfirmation, 2);
+constexpr char kAnswerEnd = 0;
 
 struct Report {
   unsigned char s1, s2, s3, s4;
@@ -100,7 +103,11 @@ Received sort_received(std::span<char> received) {
   const std::string_view all(received.data(), received.size());
   if (all.size() == kConfirmation.size()) {
     // As it stands: the last four bytes are no report that could change a flag.
-    return {all, all[0] == '7' && all[3] == 'F' && all[4] == 'F' && all[5] == 'F'};
+    if (all[0] == '7' && all[3] == 'F' && all[4] == 'F' && all[5] == 'F') return {all, true};
+    // A request that was torn by a loss goes on with the first bytes of what is sent next, and
+    // these come back as its identifier. They are no report either, and confirm nothing.
+    if (begins_with(all, kAnswerHeader) && all.back() == kAnswerEnd) return {{}, false};
+    return {all, false};
   }
   std::size_t kept = 0;
   bool confirmed = false;

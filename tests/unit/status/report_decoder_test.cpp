@@ -153,6 +153,13 @@ TEST(Confirmation, is_seven_bytes_with_the_marks_in_place) {
   }
 }
 
+// What a printer makes of a request that was torn off and followed by a new job's ESC @ ESC.
+TEST(Confirmation, is_not_that_of_another_identifier_which_is_no_report_either) {
+  const std::string foreign = "\x37\x22"s + "F\x1b@\x1b\0"s;
+  EXPECT_FALSE(sorted(foreign).confirmed);
+  EXPECT_EQ(sorted(foreign).reports, "");
+}
+
 TEST(Confirmation, beside_reports_is_told_apart_from_them) {
   for (const std::string& received : {kHealthy + kAnswer, kAnswer + kHealthy}) {
     EXPECT_TRUE(sorted(received).confirmed);
