@@ -61,8 +61,10 @@ bool Monitor::serves(const Transport& transport, const char* portName) const {
 bool Monitor::cycle() {
   port_ = transport_.registry.find(port_name_);
   if (port_) {
-    if (state_.bOffline == 1) enable_reports();
+    const bool in_vain = state_.bOffline == 1 && !enable_reports();
     transport_.watch_line(port_);
+    // It has come back since: once more in the next cycle, or it would never report again.
+    if (in_vain && state_.bPowerOFF == 0) state_.bOffline = 1;
     take_received(read_line());
   }
   if (link_lost_) return false;
@@ -70,10 +72,14 @@ bool Monitor::cycle() {
   return true;
 }
 
-void Monitor::enable_reports() {
+/// Has the printer report every change. False when it was without power, and has not heard it.
+bool Monitor::enable_reports() {
+  if (state_.bPowerOFF != 0) transport_.watch_line(port_);
+  const bool heard = state_.bPowerOFF == 0;
   transport_.write_now(port_, kEnableAllReports);
   state_.bOffline = 0;
   pause_ms(kEnablePause);
+  return heard;
 }
 
 /// Reads what is there, unless a caller waits for it or a release for the monitor's end. The lock
@@ -109,6 +115,7 @@ void Monitor::reprint() {
 
 /// Sends the whole job, whatever state the printer is in. The count of bytes.
 long Monitor::resend_job() {
+  const SendingJob sending(state_);
   std::array<char, kJobPiece> piece;
   long sent = 0;
   for (;;) {

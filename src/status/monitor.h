@@ -19,7 +19,7 @@ class Monitor {
   bool serves(const Transport& transport, const char* portName) const;
 
  private:
-  void enable_reports();
+  bool enable_reports();
   Received read_line();
   void take_received(Received received);
   void reprint();

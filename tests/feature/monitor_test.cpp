@@ -303,6 +303,23 @@ TEST_P(SerialPower, a_look_at_dsr_that_fails_tells_nothing) {
   EXPECT_EQ(*state.bOffline, 0);
 }
 
+// Asked before its power was back, it would never report again.
+TEST_P(SerialPower, that_comes_back_while_reports_are_enabled_has_them_enabled_again) {
+  claim_and_settle();
+  printer.modem_lines = 0;
+  int heard = 0;
+  printer.on_write = [this, &heard] {
+    if (printer.modem_lines != 0) {
+      ++heard;
+    } else {
+      kernel.at(kernel.now_ms() + 50, [this] { printer.modem_lines = TIOCM_DSR; });
+    }
+  };
+  kernel.run_for(3000);
+  EXPECT_EQ(heard, 1);
+  EXPECT_EQ(GetError(port), 0);
+}
+
 TEST_P(SerialPower, every_cycle_looks_at_dsr_also_while_a_caller_waits) {
   claim_and_settle();
   *state.bStopThread = 1;
