@@ -81,6 +81,10 @@ struct Transport {
   /// printer is in. The count sent, or -2. May pause.
   long (&write)(PortHandle port, std::string_view bytes);
 
+  /// Whether that write, when it meets a loss, makes the link anew and sends everything once more:
+  /// its count does not tell then what arrived, and it says itself when a job is lost.
+  bool write_sends_again;
+
   /// The same for the monitor: without anything that would wait for the monitor itself.
   long (&resend)(PortHandle port, std::string_view bytes);
 

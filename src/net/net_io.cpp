@@ -9,6 +9,7 @@
 #include "dispatch/silence_budget.h"
 #include "dispatch/system.h"
 #include "net/net_port.h"
+#include "status/collected_job.h"
 
 namespace {
 
@@ -46,12 +47,19 @@ bool is_lost(PortHandle port, const Field<int>& flag) {
   return flag != 0 && !NetPorts::any_is_cut_off();
 }
 
+/// After a reconnection. Of a job that is cut off once more nothing is known.
+long send_again(PortHandle port, std::string_view bytes) {
+  const long count = send_once(port, bytes);
+  if (count != static_cast<long>(bytes.size())) lose_sent_job(network_state);
+  return count;
+}
+
 }  // namespace
 
 std::optional<long> NetworkWriteAnew(PortHandle port, std::string_view bytes) {
   if (!is_lost(port, network_state.bPowerOFF)) return std::nullopt;
   if (!reconnect(port)) return kRefused;
-  return send_once(port, bytes);
+  return send_again(port, bytes);
 }
 
 // Each send is given the full length, not what remains, and its result is added as it is, -1
@@ -66,7 +74,7 @@ long NetworkWritePort(PortHandle port, std::string_view bytes) {
     sent += count;
     if (is_lost(port, network_state.bOffline)) {
       if (!reconnect(port)) return kRefused;
-      send_once(port, bytes);
+      send_again(port, bytes);
       return sent;
     }
     count > 0 ? budget.restore() : budget.spend(kSendPause);

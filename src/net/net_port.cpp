@@ -7,6 +7,7 @@
 
 #include "dispatch/system.h"
 #include "status/claim.h"
+#include "status/collected_job.h"
 #include "tzvio.h"
 
 NETPort netPorts[TZV_PORTS] = {};
@@ -40,6 +41,7 @@ bool reconnect(PortHandle port) {
   stop_monitor(network, lost.portName);
   if (InitNET(lost.portName) != kOk) return false;
   network_state.bPowerOFF = 0;
+  send_job_again(network_state);
   pause_ms(kSettlePause);
   return true;
 }
@@ -48,6 +50,7 @@ long InitNET(const char* portName) {
   const PortHandle port = portName != nullptr ? NetPorts::find(portName) : PortHandle{};
   if (!port) return kFailed;
   const NETPort lost = NetPorts::copy(port);
+  lose_sent_job(network_state);
   NetPorts::give_up(port);
   const Connection made = connect_to(lost);
   if (made.sock == -1 || !NetPorts::replace(port, made.sock)) return kFailed;

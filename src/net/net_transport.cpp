@@ -18,6 +18,7 @@ constexpr Transport network{
     .open = NETOpenPort,
     .write_anew = NetworkWriteAnew,
     .write = NetworkWritePort,
+    .write_sends_again = true,
     .resend = NetworkResend,
     .write_now = NetworkWriteNow,
     .read = NETReadPortPrv,

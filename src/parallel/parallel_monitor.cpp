@@ -4,10 +4,12 @@
 #include <sys/ioctl.h>
 
 #include "parallel/parallel_port.h"
+#include "status/collected_job.h"
 
 void ParallelWatchLine(PortHandle port) {
   const ParallelTurn descriptor(port);
   const int off = !enter_nibble_mode(descriptor);
+  if (off) lose_sent_job(parallel_state);
   parallel_state.bPowerOFF = off;
   // Offline until the printer reports again; the monitor's next cycle asks it to.
   parallel_state.bOffline = off;

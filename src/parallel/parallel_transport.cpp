@@ -16,6 +16,7 @@ constexpr Transport parallel{
     .open = ParallelOpenPort,
     .write_anew = link_stands,
     .write = ParallelWritePort,
+    .write_sends_again = false,
     .resend = ParallelWritePort,
     .write_now = ParallelWriteNow,
     .read = ParallelReadPort,

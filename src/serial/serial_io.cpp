@@ -67,7 +67,7 @@ long wait_for_bytes(PortHandle port, ReadPatience patience) {
 }  // namespace
 
 long SerialWritePort(PortHandle port, std::string_view bytes) {
-  const bool handshake = SerialPorts::copy(port).originalPortSettings.flowControl == 'h';
+  const bool handshake = has_handshake(port);
   SilenceBudget budget(kWriteBudget);
   std::size_t written = 0;
   while (written < bytes.size()) {

@@ -3,6 +3,7 @@
 
 #include "dispatch/system.h"
 #include "serial/serial_port.h"
+#include "status/collected_job.h"
 
 Dsr read_dsr(PortHandle port) {
   const SerialPorts::Use descriptor(port);
@@ -17,6 +18,8 @@ void SerialWatchLine(PortHandle port) {
   // A line without modem signals tells nothing: the flags stay.
   if (dsr == Dsr::unknown) return;
   const int off = dsr == Dsr::down;
+  // With a handshake this may be no more than a full buffer.
+  if (off && !has_handshake(port)) lose_sent_job(serial_state);
   serial_state.bPowerOFF = off;
   // Offline until the printer reports again; the monitor's next cycle asks it to.
   serial_state.bOffline = off;

@@ -84,6 +84,10 @@ long serConfigurePort(SerPort& entry, const SerPortSettings& settings) {
 
 }  // namespace
 
+bool has_handshake(PortHandle port) {
+  return SerialPorts::copy(port).originalPortSettings.flowControl == 'h';
+}
+
 Opened SerialOpenPort(int entry, const char* portName, const char* portSettings) {
   SerPort opened = SerialPorts::named(portName);
   if (portSettings == nullptr || std::strlen(portSettings) >= sizeof opened.portSettings) {

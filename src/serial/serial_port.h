@@ -13,6 +13,9 @@ using SerialPorts = RegistryOf<serPorts, &SerPort::port, flush_and_close>;
 enum class Dsr { up, down, unknown };
 Dsr read_dsr(PortHandle port);
 
+/// Whether writes wait for DSR: the printer then lowers it also while its buffer is full.
+bool has_handshake(PortHandle port);
+
 // What the serial transport supplies; the contracts are those of `Transport`.
 
 Opened SerialOpenPort(int entry, const char* portName, const char* portSettings);

@@ -13,6 +13,7 @@ constexpr Transport serial{
     .open = SerialOpenPort,
     .write_anew = link_stands,
     .write = SerialWritePort,
+    .write_sends_again = false,
     .resend = SerialWritePort,
     .write_now = SerialWriteNow,
     .read = SerialReadPortPrv,

@@ -60,6 +60,7 @@ std::size_t copy_collected(const TransportState& state, long offset, std::span<c
 
 void confirm_collected(const TransportState& state, long confirmed) {
   const MutexLock lock(state.hand_over.mutex);
+  if (state.hand_over.job_lost) return;
   // While a transaction collects or is being sent, its request is not out yet: the confirmation
   // is a late one of an earlier job, and must not take the new receipt away.
   if (state.TransactionPrint == 0 && state.hand_over.senders == 0) {
@@ -69,9 +70,28 @@ void confirm_collected(const TransportState& state, long confirmed) {
   state.OutputComplemetFlag = 1;
 }
 
+void lose_sent_job(const TransportState& state) {
+  const MutexLock lock(state.hand_over.mutex);
+  state.hand_over.job_lost = true;
+  // What was confirmed while the job was still being sent was an earlier one.
+  if (state.hand_over.senders > 0) state.OutputComplemetFlag = 0;
+}
+
+bool sent_job_is_lost(const TransportState& state) {
+  const MutexLock lock(state.hand_over.mutex);
+  return state.hand_over.job_lost;
+}
+
+void send_job_again(const TransportState& state) {
+  const MutexLock lock(state.hand_over.mutex);
+  // A request that is sent again brings nothing back.
+  if (state.hand_over.senders > 0) state.hand_over.job_lost = false;
+}
+
 SendingJob::SendingJob(const TransportState& state) : state_(state) {
   const MutexLock lock(state.hand_over.mutex);
   ++state.hand_over.senders;
+  state.hand_over.job_lost = false;
 }
 
 SendingJob::~SendingJob() {

@@ -23,8 +23,16 @@ std::size_t copy_collected(const TransportState& state, long offset, std::span<c
 /// (-1), out of the buffer and sets `OutputComplemetFlag`.
 void confirm_collected(const TransportState& state, long confirmed = -1);
 
-/// While it lives, the caller reads the job to send it, so that a late confirmation of an earlier
-/// one leaves it alone.
+/// What was sent may be gone: the printer's memory went with its power, or its connection was lost.
+/// The printer confirms what it has, so no confirmation counts until a job is sent anew.
+void lose_sent_job(const TransportState& state);
+bool sent_job_is_lost(const TransportState& state);
+
+/// The link stands again, and what a caller was sending goes out once more from its beginning.
+void send_job_again(const TransportState& state);
+
+/// While it lives, the job is being sent, from its beginning: a late confirmation of an earlier one
+/// leaves it alone.
 class SendingJob {
  public:
   explicit SendingJob(const TransportState& state);

@@ -27,6 +27,14 @@ long begin(const Transport& transport, PortHandle port, long PrintMode) {
   return kOk;
 }
 
+/// What the printer did not get whole it must not confirm: it answers for what it has.
+long write_job(const Transport& transport, PortHandle port, std::string_view bytes) {
+  const long sent = guarded_write(transport, port, bytes);
+  const bool cut_short = sent < static_cast<long>(bytes.size()) && !transport.write_sends_again;
+  if (sent == kRefused || cut_short) lose_sent_job(transport.state);
+  return sent;
+}
+
 /// Sends the job in one frame and waits for the printer's answer to it, whatever it says.
 void send_framed(const Transport& transport, PortHandle port, std::string_view job) {
   const TransportState& state = transport.state;
@@ -34,7 +42,7 @@ void send_framed(const Transport& transport, PortHandle port, std::string_view j
   const std::size_t length = build_frame(job, state.ProtocolBuffer);
   state.bProtocolStatus = 0;
   const Exchange exchange(state);
-  if (guarded_write(transport, port, {state.ProtocolBuffer, length}) <= 0) return;
+  if (write_job(transport, port, {state.ProtocolBuffer, length}) <= 0) return;
   std::array<char, 64> answer;
   read_answer(transport, port, answer, transport.patience.frame);
 }
@@ -45,12 +53,12 @@ void send_collected(const Transport& transport, PortHandle port) {
   if (transport.state.bProtocol != 0) {
     send_framed(transport, port, job);
   } else {
-    guarded_write(transport, port, job);
+    write_job(transport, port, job);
   }
 }
 
 /// Waits for the monitor to see the confirmation, asking again every 50 polls. The error state
-/// that came between, else 0: confirmed or given up.
+/// that came between, offline for a job that is lost, else 0: confirmed or given up.
 long wait_for_confirmation(const Transport& transport, PortHandle port) {
   const TransportState& state = transport.state;
   int polls = -1;
@@ -69,6 +77,7 @@ long wait_for_confirmation(const Transport& transport, PortHandle port) {
     }
     const long error = error_code(state);
     if (error != kOk) return error;
+    if (sent_job_is_lost(state)) return kOffline;
   }
   return kOk;
 }

@@ -31,9 +31,10 @@ class Field {
 /// What callers and the monitor of a transport settle under a lock, beside the exported flags.
 struct HandOver {
   pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
-  int exchanges = 0;  ///< callers that expect an answer
-  int reads = 0;      ///< callers that are in a read
-  int senders = 0;    ///< callers that are sending the collected job
+  int exchanges = 0;      ///< callers that expect an answer
+  int reads = 0;          ///< callers that are in a read
+  int senders = 0;        ///< how many are sending the collected job
+  bool job_lost = false;  ///< bytes of the last job that was sent may be gone: see collected_job.h
 };
 
 struct TransportState {

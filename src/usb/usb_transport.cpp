@@ -13,6 +13,7 @@ constexpr Transport usb{
     .open = USBOpenPort,
     .write_anew = link_stands,
     .write = USBWritePort,
+    .write_sends_again = false,
     .resend = USBWritePort,
     .write_now = USBWriteNow,
     .read = USBReadPortPrv,

@@ -1,0 +1,129 @@
+// Jobs of which something got lost on the way. The printer confirms what it has, so its
+// confirmation must not count for what it never had.
+#include <gmock/gmock.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+
+#include "support/links.h"
+#include "tzvio.h"
+
+namespace testkit {
+namespace {
+
+using testing::ElementsAre;
+
+const std::string kEnableReports = "\x1d\x61\xff";
+const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
+
+class LostJob : public EveryLink {
+ protected:
+  /// A monitor that looks every 10 ms, and a job of a cut.
+  void claim_and_collect() {
+    ASSERT_EQ(ClaimDevice(port, 0), 0);
+    kernel.run_for(200);
+    *state.bSleepFlag = 1;
+    kernel.run_for(600);
+    printer.writes.clear();
+    TransactionPrint(port, TZV_TRANSACTION_BEGIN);
+    CutPaper(port, 100);
+  }
+  const std::string job = "\033@\n\n\n\n\n\033i" + kProcessIdRequest;
+};
+TZV_ON_EVERY_LINK(LostJob);
+
+TEST_P(LostJob, refused_in_an_error_state_that_is_over_at_once_is_not_confirmed) {
+  claim_and_collect();
+  printer.confirm_jobs();
+  *state.bCoverOpen = 1;
+  kernel.at(kernel.now_ms() + 10, [this] { *state.bCoverOpen = 0; });
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+  EXPECT_EQ(state.collected(), job) << "it stays";
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0) << "and is printed by ending again";
+}
+
+TEST_P(LostJob, refused_in_an_error_state_gives_its_code) {
+  claim_and_collect();
+  *state.bPaperEmpty = 1;
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 2);
+  EXPECT_TRUE(printer.writes.empty());
+}
+
+// A parallel port's failed write is tried again, and a connection's is sent again.
+TEST_P(LostJob, whose_write_fails_is_not_confirmed) {
+  if (link.name == "parallel" || link.name == "network") return;
+  claim_and_collect();
+  printer.confirm_jobs();
+  kernel.fail("write", EIO);
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
+}
+
+TEST_P(LostJob, late_confirmation_does_not_take_it_away) {
+  claim_and_collect();
+  *state.bCoverOpen = 1;
+  TransactionPrint(port, TZV_TRANSACTION_END);
+  printer.input = kProcessIdAnswer;
+  kernel.run_for(600);
+  EXPECT_NE(state.collected(), "");
+}
+
+class ParallelLostJob : public LostJob {};
+INSTANTIATE_TEST_SUITE_P(links, ParallelLostJob, testing::Values(kLinks[1]));
+
+TEST_P(ParallelLostJob, whose_printer_loses_its_power_while_it_is_sent_is_not_confirmed) {
+  claim_and_collect();
+  printer.confirm_jobs();
+  kernel.shorten("write", 4);
+  printer.on_write = [this] {
+    if (printer.writes.size() > 1) return;
+    printer.status_lines = 0;
+    printer.has_nibble_mode = false;
+    kernel.at(kernel.now_ms() + 1000, [this] {
+      printer.status_lines = 0x88;
+      printer.has_nibble_mode = true;
+    });
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+}
+
+class NetworkLostJob : public LostJob {};
+INSTANTIATE_TEST_SUITE_P(links, NetworkLostJob, testing::Values(kLinks[3]));
+
+// The new connection's printer may be one that has been switched on again.
+TEST_P(NetworkLostJob, whose_connection_is_lost_with_a_repeated_request_is_not_confirmed) {
+  claim_and_collect();
+  printer.on_write = [this] {
+    if (printer.writes.size() != 2) return;
+    kernel.cut(link.port, ECONNRESET);
+    kernel.plug_back(link.port);
+    printer.confirm_jobs();
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+  EXPECT_NE(state.collected(), "");
+}
+
+TEST_P(NetworkLostJob, that_is_cut_off_while_it_is_sent_goes_out_again_and_is_confirmed) {
+  claim_and_collect();
+  printer.on_write = [this] {
+    if (printer.writes.size() != 1) return;
+    kernel.cut(link.port, ECONNRESET);
+    kernel.plug_back(link.port);
+    printer.confirm_jobs();
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
+  EXPECT_THAT(printer.writes, ElementsAre(job, "LINK\n", kEnableReports, job));
+}
+
+// A report of any fault during a send counts as a loss there, so that the paper may show it twice.
+TEST_P(NetworkLostJob, during_which_a_fault_is_reported_goes_out_again) {
+  claim_and_collect();
+  printer.on_write = [this] {
+    if (printer.writes.size() == 1) printer.input += kCoverOpen;
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 1);
+  EXPECT_THAT(printer.writes, testing::IsSupersetOf({std::string("LINK\n"), job, job}));
+}
+
+}  // namespace
+}  // namespace testkit
