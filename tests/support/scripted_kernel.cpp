@@ -132,6 +132,7 @@ void Kernel::reset(bool active) {
   threads_.push_back(std::make_unique<Participant>());
   running_ = threads_.front().get();
   active_ = active;
+  logs_calls_ = true;
   now_us_ = 0;
   next_descriptor_ = kFirstDescriptor;
   devices_.clear();
@@ -199,7 +200,8 @@ Kernel::Fault Kernel::take_fault(std::string_view name) {
 
 long Kernel::record(std::string_view name, std::string detail, long result,
                     std::string_view bytes) {
-  calls_.push_back({std::string(name), std::move(detail), result, now_ms(), std::string(bytes)});
+  if (logs_calls_)
+    calls_.push_back({std::string(name), std::move(detail), result, now_ms(), std::string(bytes)});
   return result;
 }
 
@@ -216,6 +218,7 @@ bool Kernel::fails(std::string_view name) {
 }
 
 int Kernel::add(std::string path, int flags) {
+  while (owns(next_descriptor_)) ++next_descriptor_;
   descriptors_[next_descriptor_] = {std::move(path), flags, std::nullopt};
   return next_descriptor_++;
 }
@@ -370,6 +373,10 @@ ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view 
     return -1;
   }
   Device& device = this->device(descriptor);
+  if (device.take) {
+    const long count = device.take(given.substr(0, met.at_most));
+    return record(name, detail, count);
+  }
   const std::string taken{given.substr(0, met.at_most)};
   device.output += taken;
   device.writes.push_back(taken);
@@ -421,7 +428,7 @@ int Kernel::ioctl(int descriptor, unsigned long request, void* argument) {
   int* value = static_cast<int*>(argument);
   if (request == FIONREAD) {
     *value = static_cast<int>(device.input.size());
-  } else if (request == TIOCMGET) {
+  } else if (request == TIOCMGET && device.has_modem_lines) {
     *value = device.modem_lines;
   } else {
     record(name, "", -1);

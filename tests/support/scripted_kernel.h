@@ -62,10 +62,14 @@ class Device {
   std::string input;                ///< bytes that wait to be read
   std::vector<std::string> writes;  ///< the same as `output`, write by write
   std::function<void()> on_write;   ///< runs after each write
+  /// When set, what is behind the device takes the bytes of a write itself, in place of the answers
+  /// and logs above: how many of them, or -1 with errno set.
+  std::function<long(std::string_view)> take;
 
   // Serial.
   termios line{};       ///< the terminal attributes, as last set
   int modem_lines = 0;  ///< TIOCM_... bits
+  bool has_modem_lines = true;
 
   // Parallel: a printer that is online and answers in nibble mode.
   unsigned char status_lines = 0x88;  ///< 08 no error, 80 not busy
@@ -116,7 +120,7 @@ class Kernel {
   void cut(const std::string& path, int error);
   /// It opens again.
   void plug_back(const std::string& path);
-  /// The number of the next descriptor; 700 at first.
+  /// The number of the next descriptor, or the next that is free; 700 at first.
   void number_descriptors_from(int first) { next_descriptor_ = first; }
 
   /// The `nth` next call of that name fails with `error`, without any effect.
@@ -142,6 +146,8 @@ class Kernel {
   int64_t now_ms() const { return now_us_ / 1000; }
   const std::vector<Call>& calls() const { return calls_; }
   void forget_calls() { calls_.clear(); }
+  /// Whether calls are logged, until the next reset: a long run would fill the memory with them.
+  void log_calls(bool on) { logs_calls_ = on; }
   /// The lines of all calls, or of those with that name.
   std::vector<std::string> log(std::string_view name = {}) const;
   std::size_t count(std::string_view name) const { return log(name).size(); }
@@ -223,6 +229,7 @@ class Kernel {
   Participant* due_first();
 
   bool active_ = false;
+  bool logs_calls_ = true;
   std::mutex turns_;
   std::vector<std::unique_ptr<Participant>> threads_;  // the test's own first
   Participant* running_ = nullptr;
