@@ -66,6 +66,7 @@ int ioctl(int descriptor, unsigned long request, ...) noexcept {
   void* argument = va_arg(arguments, void*);
   va_end(arguments);
   if (kernel().owns(descriptor)) return kernel().ioctl(descriptor, request, argument);
+  if (testkit::play_parallel_request(request, argument)) return 0;
   static const auto libc = real<int(int, unsigned long, ...)>("ioctl");
   return libc(descriptor, request, argument);
 }

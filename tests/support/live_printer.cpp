@@ -102,6 +102,10 @@ std::string PtyPrinter::unplug() {
   return received();
 }
 
+void PtyPrinter::say(std::string_view bytes) {
+  EXPECT_EQ(write(master_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+}
+
 bool PtyPrinter::serve() {
   pollfd waiting[] = {{master_, POLLIN, 0}, {stop_[0], POLLIN, 0}};
   poll(waiting, 2, -1);
@@ -168,6 +172,12 @@ std::string SocketPrinter::unplug() {
   close_at(listening_);
   for (int& end : ends_) close_at(end);
   return received();
+}
+
+void SocketPrinter::say(std::string_view bytes) {
+  const std::lock_guard lock(sockets_);
+  // Lost with the connection.
+  if (connection_ >= 0) send(connection_, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 void SocketPrinter::drain_slowly(std::size_t bytes, int pause_ms) {

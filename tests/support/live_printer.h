@@ -32,6 +32,9 @@ class LivePrinter {
   /// Ends it; everything that it got.
   virtual std::string unplug();
 
+  /// Sends something of its own accord.
+  virtual void say(std::string_view bytes) = 0;
+
   /// What it got so far.
   std::string received();
   /// Waits until it has got that many bytes; false after 10 s.
@@ -62,13 +65,15 @@ class LivePrinter {
   std::size_t answered_ = 0;
 };
 
-/// Behind a pseudo-terminal, under the name of a serial port or of a USB node.
+/// Behind a pseudo-terminal, under the name of a serial port, of a USB node or of a parallel port,
+/// whose own requests then find a printer that is online.
 class PtyPrinter : public LivePrinter {
  public:
   explicit PtyPrinter(std::string port);
   ~PtyPrinter() override;
 
   std::string unplug() override;
+  void say(std::string_view bytes) override;
   std::string port() const override { return port_; }
   std::string settings() const override { return "9600,none,8,1,none"; }
   int slave() const { return slave_; }
@@ -90,6 +95,7 @@ class SocketPrinter : public LivePrinter {
   ~SocketPrinter() override;
 
   std::string unplug() override;
+  void say(std::string_view bytes) override;
   std::string port() const override { return "SOCKET:127.0.0.1"; }
   std::string settings() const override { return std::to_string(number_); }
 

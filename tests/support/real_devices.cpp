@@ -1,5 +1,8 @@
 #include "support/real_devices.h"
 
+#include <linux/ppdev.h>
+#include <sys/ioctl.h>
+
 #include <atomic>
 #include <map>
 
@@ -34,6 +37,13 @@ void speed_up_sleeps(int factor) {
 
 int sleep_speed() {
   return speed;
+}
+
+bool play_parallel_request(unsigned long request, void* argument) {
+  if (_IOC_TYPE(request) != PP_IOCTL) return false;
+  constexpr unsigned char kOnline = 0x88;
+  if (request == PPRSTATUS) *static_cast<unsigned char*>(argument) = kOnline;
+  return true;
 }
 
 const char* device_behind(const char* path) {

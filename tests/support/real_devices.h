@@ -25,6 +25,10 @@ void speed_up_sleeps(int factor);
 /// The factor that was set.
 int sleep_speed();
 
+/// Answers a parallel port's own requests for a device that stands in for one: whatever is asked, a
+/// printer is there and online. False: it is none of these requests.
+bool play_parallel_request(unsigned long request, void* argument);
+
 /// What open() is to open for a path.
 const char* device_behind(const char* path);
 
