@@ -11,6 +11,10 @@
 #   make bench    how fast things are, in both widths
 #   make sanitize the same tests natively, under the sanitizers, and each fuzzer for some seconds
 #   make fuzz     each fuzzer in both widths for FUZZ_SECONDS (3600); TARGET=links chooses one
+#   make soak     tens of thousands of receipts on every link while faults fall at random, and the
+#                 figures in build/soak/report.txt; SOAK_RECEIPTS=n, SEED=n and LINK= choose; SOAK_SECONDS
+#                 is for the threads
+#   make soak-threads  every operation from many threads, under the thread sanitizer
 
 JOBS ?= 2
 LINK ?= tcp
@@ -24,7 +28,7 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean FORCE
+.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean soak soak-threads FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -76,6 +80,16 @@ fuzzers-%:
 	@tools/install-dependencies.sh fuzz
 	@cmake --preset $* >/dev/null
 	@cmake --build --preset $* --parallel $(JOBS)
+soak:
+	@tools/install-dependencies.sh test
+	@cmake --preset native >/dev/null
+	@cmake --build --preset native --parallel $(JOBS) --target soak
+	@tools/soak.sh
+soak-threads:
+	@tools/install-dependencies.sh test
+	@cmake --preset tsan >/dev/null
+	@cmake --build --preset tsan --parallel $(JOBS) --target concurrency_tests
+	@TSAN_OPTIONS=halt_on_error=1 TZVIO_SECONDS=$${SOAK_SECONDS:-300} build/tsan/tests/soak/concurrency_tests
 
 format:
 	@tools/install-dependencies.sh lint

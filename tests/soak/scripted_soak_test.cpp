@@ -1,0 +1,129 @@
+// Numbered receipts over every link of the scripted kernel while everything goes wrong that can.
+// What the calls returned is compared with what the printer has on paper.
+//
+// SOAK_RECEIPTS, SEED and LINK in the environment choose how many, which faults and which link.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+
+#include "../../tools/tzvio/progress_bar.h"
+#include "soak/figures.h"
+#include "soak/till.h"
+#include "tzvio.h"
+
+namespace soak {
+namespace {
+
+constexpr std::size_t kPoints = 5;     // at which the process is measured
+constexpr std::size_t kGrowth = 1024;  // KiB that the run's own accounts may take
+
+struct Line {
+  std::string name;
+  const testkit::Link& link;
+  bool shows_power = true;
+};
+
+std::ostream& operator<<(std::ostream& out, const Line& line) {
+  return out << line.name;
+}
+
+/// Bytes of the longest job: beside its text an initialise, a reset, the line spacing, the cut and
+/// the request.
+std::size_t longest_job() {
+  std::size_t bytes = 2 + 15 + 3 + 7 + 11;
+  for (const std::string& text : lines_of(2)) bytes += text.size() + 1;
+  return bytes;
+}
+
+std::vector<Line> lines() {
+  std::vector<Line> all;
+  for (const testkit::Link& link : testkit::kLinks) all.push_back({link.name, link});
+  all.push_back({"serial_without_dsr", testkit::kLinks.front(), false});
+  return all;
+}
+
+class ScriptedSoak : public testkit::ScriptedTest, public testing::WithParamInterface<Line> {
+ protected:
+  void SetUp() override {
+    const char* only = std::getenv("LINK");
+    if (only != nullptr && *only != 0 && line.name.find(only) != 0) GTEST_SKIP() << "LINK=" << only;
+    kernel.log_calls(false);
+    ASSERT_TRUE(till.open());
+  }
+
+  void run();
+  void measure_after(std::size_t printed) { figures.add(measure(printed)); }
+  std::string summary() const;
+
+  const Line& line = GetParam();
+  const std::size_t receipts = asked("SOAK_RECEIPTS", 1500);
+  const std::size_t seed = asked("SEED", 1);
+  Paper paper{receipts * 4 + 1000};
+  ModelPrinter printer{kernel, line.link.port, line.shows_power, paper, seed};
+  Till till{kernel, line.link, printer, paper, line.shows_power};
+  FaultPlan plan{seed, longest_job()};
+  std::mt19937_64 random{seed + 1};
+  Figures figures;
+};
+
+INSTANTIATE_TEST_SUITE_P(over, ScriptedSoak, testing::ValuesIn(lines()),
+                         [](const auto& tested) { return tested.param.name; });
+
+void ScriptedSoak::run() {
+  cli::ProgressBar bar(receipts, false);
+  for (std::size_t printed = 0; printed < receipts; ++printed) {
+    // The first tenth fills what is filled once.
+    if (printed >= receipts / 10 && (printed - receipts / 10) % (receipts / kPoints) == 0) {
+      measure_after(printed);
+    }
+    till.print_receipt(plan.next(), random() % 4 != 0);
+    if (random() % 200 == 0) {
+      till.close();
+      ASSERT_TRUE(till.open());
+    }
+    bar.show(printed + 1);
+  }
+  kernel.run_for(60000);
+  till.check_all_paper();
+  measure_after(receipts);
+}
+
+std::string ScriptedSoak::summary() const {
+  const Tally& tally = till.tally();
+  std::ostringstream text;
+  text << "\n"
+       << line.name << ", scripted, seed " << seed << ": " << tally.receipts << " receipts, "
+       << tally.transactions << " transactions, " << tally.confirmed << " confirmed ("
+       << tally.asked_again << " by asking again), " << tally.not_confirmed
+       << " not\n  every kind of fault at every byte: " << (receipts >= plan.sweep() ? "yes" : "no")
+       << "\n  faults:";
+  for (std::size_t kind = 0; kind < kFaultKinds; ++kind) {
+    text << (kind > 0 ? ", " : " ") << tally.by_kind[kind] << ' '
+         << name_of(static_cast<FaultKind>(kind));
+  }
+  text << "\n  known exceptions: " << tally.memory_lost << " memory lost unseen, "
+       << tally.stale_answer << " confirmed by an earlier answer, " << tally.sent_again
+       << " sent again after all of it had been printed, " << tally.torn_command
+       << " begun within a torn command\n  spoilt answers: " << tally.misread_codes
+       << " told as another fault, " << tally.claimed_anew
+       << " mended by a new claim\n  violations: " << tally.violations.size() << '\n'
+       << figures.table();
+  return text.str();
+}
+
+TEST_P(ScriptedSoak, tells_the_truth_and_grows_nothing) {
+  run();
+  report(summary());
+  const auto& violations = till.tally().violations;
+  for (std::size_t i = 0; i < std::min<std::size_t>(violations.size(), 20); ++i) {
+    ADD_FAILURE() << violations[i];
+  }
+  EXPECT_EQ(figures.growth(kGrowth), "");
+  EXPECT_EQ(kernel.open_descriptors(), 1U);
+  EXPECT_EQ(kernel.threads(), 1U);
+}
+
+}  // namespace
+}  // namespace soak
