@@ -41,7 +41,12 @@ long collect(const TransportState& state, std::string_view bytes) {
 
 void drop_collected(const TransportState& state) {
   const MutexLock lock(state.hand_over.mutex);
-  take_out(state, held(state).size());
+  // A close on another thread must not clear the bytes that are being written.
+  if (state.hand_over.senders > 0) {
+    state.hand_over.drop_due = true;
+  } else {
+    take_out(state, held(state).size());
+  }
 }
 
 std::string_view collected(const TransportState& state) {
@@ -82,6 +87,11 @@ bool sent_job_is_lost(const TransportState& state) {
   return state.hand_over.job_lost;
 }
 
+void begin_resend(const TransportState& state) {
+  const MutexLock lock(state.hand_over.mutex);
+  state.hand_over.job_lost = false;
+}
+
 void send_job_again(const TransportState& state) {
   const MutexLock lock(state.hand_over.mutex);
   // A request that is sent again brings nothing back.
@@ -96,5 +106,8 @@ SendingJob::SendingJob(const TransportState& state) : state_(state) {
 
 SendingJob::~SendingJob() {
   const MutexLock lock(state_.hand_over.mutex);
-  --state_.hand_over.senders;
+  HandOver& hand_over = state_.hand_over;
+  if (--hand_over.senders > 0 || !hand_over.drop_due) return;
+  hand_over.drop_due = false;
+  take_out(state_, held(state_).size());
 }

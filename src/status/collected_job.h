@@ -28,11 +28,14 @@ void confirm_collected(const TransportState& state, long confirmed = -1);
 void lose_sent_job(const TransportState& state);
 bool sent_job_is_lost(const TransportState& state);
 
+/// The monitor sends the job, by copies, from its beginning.
+void begin_resend(const TransportState& state);
+
 /// The link stands again, and what a caller was sending goes out once more from its beginning.
 void send_job_again(const TransportState& state);
 
-/// While it lives, the job is being sent, from its beginning: a late confirmation of an earlier one
-/// leaves it alone.
+/// While it lives, the caller sends the job from its beginning: neither a late confirmation of an
+/// earlier one nor a close takes it away.
 class SendingJob {
  public:
   explicit SendingJob(const TransportState& state);

@@ -115,7 +115,7 @@ void Monitor::reprint() {
 
 /// Sends the whole job, whatever state the printer is in. The count of bytes.
 long Monitor::resend_job() {
-  const SendingJob sending(state_);
+  begin_resend(state_);
   std::array<char, kJobPiece> piece;
   long sent = 0;
   for (;;) {

@@ -33,7 +33,8 @@ struct HandOver {
   pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
   int exchanges = 0;      ///< callers that expect an answer
   int reads = 0;          ///< callers that are in a read
-  int senders = 0;        ///< how many are sending the collected job
+  int senders = 0;        ///< callers that are sending the collected job
+  bool drop_due = false;  ///< it was dropped meanwhile
   bool job_lost = false;  ///< bytes of the last job that was sent may be gone: see collected_job.h
 };
 

@@ -68,6 +68,21 @@ TEST_P(LostJob, late_confirmation_does_not_take_it_away) {
   EXPECT_NE(state.collected(), "");
 }
 
+// The ports of a link share the bytes: a close of any while they are written would tear the job.
+TEST_P(LostJob, is_none_that_is_being_sent_when_another_port_is_closed) {
+  kernel.plug(link.second_port).answer_ready();
+  ASSERT_EQ(OpenPort(link.second_port.c_str(), link.settings.c_str()), 0);
+  claim_and_collect();
+  printer.confirm_jobs();
+  if (link.name != "network") kernel.shorten("write", 4);
+  printer.on_write = [this] { ClosePort(link.second_port.c_str()); };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
+  std::string arrived;
+  for (const std::string& bytes : printer.writes) arrived += bytes;
+  EXPECT_EQ(arrived.substr(0, job.size()), job);
+  EXPECT_EQ(*state.PageSize, 0);
+}
+
 class ParallelLostJob : public LostJob {};
 INSTANTIATE_TEST_SUITE_P(links, ParallelLostJob, testing::Values(kLinks[1]));
 
