@@ -11,6 +11,7 @@
 #   make bench    how fast things are, in both widths
 #   make sanitize the same tests natively, under the sanitizers, and each fuzzer for some seconds
 #   make fuzz     each fuzzer in both widths for FUZZ_SECONDS (3600); TARGET=links chooses one
+#   make coverage which lines and branches of the library the tests run, in build/coverage/report.txt
 #   make soak     tens of thousands of receipts on every link while faults fall at random, and the
 #                 figures in build/soak/report.txt; SOAK_RECEIPTS=n, SEED=n and LINK= choose; SOAK_SECONDS
 #                 is for the threads
@@ -28,7 +29,7 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean soak soak-threads FORCE
+.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean soak soak-threads coverage FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -80,6 +81,17 @@ fuzzers-%:
 	@tools/install-dependencies.sh fuzz
 	@cmake --preset $* >/dev/null
 	@cmake --build --preset $* --parallel $(JOBS)
+coverage:
+	@tools/install-dependencies.sh coverage
+	@cmake --preset coverage >/dev/null
+	@cmake --build --preset coverage --parallel $(JOBS)
+	@find build/coverage -name '*.gcda' -delete
+	@$(CTEST) --preset coverage
+	@gcovr --root . --filter src/ --object-directory build/coverage/src --exclude-throw-branches \
+	  --output build/coverage/report.txt
+	@gcovr --root . --filter src/ --object-directory build/coverage/src --exclude-throw-branches \
+	  --branches | tee -a build/coverage/report.txt
+
 soak:
 	@tools/install-dependencies.sh test
 	@cmake --preset native >/dev/null

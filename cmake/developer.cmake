@@ -26,3 +26,5 @@ function(tzvio_instrument target)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
 endfunction()
+
+option(TZVIO_COVERAGE "Count which lines and branches of the library run" OFF)

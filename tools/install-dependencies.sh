@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
-#   install-dependencies.sh demo|test|bench|fuzz|manual|package|lint
+#   install-dependencies.sh demo|test|bench|fuzz|manual|package|coverage|lint
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
@@ -24,8 +24,9 @@ case ${1-} in
     [ "$(dpkg --print-architecture)" != amd64 ] ||
       packages="$packages binutils-i686-linux-gnu libc6:i386 libgcc-s1:i386 libstdc++6:i386"
     ;;
+  coverage) packages="$everything gcovr iproute2" ;;
   lint) packages="$everything clang-format clang-tidy" ;;
-  *) echo "usage: $0 demo|test|bench|fuzz|manual|package|lint" >&2 && exit 2 ;;
+  *) echo "usage: $0 demo|test|bench|fuzz|manual|package|coverage|lint" >&2 && exit 2 ;;
 esac
 
 missing=''
