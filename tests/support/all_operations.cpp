@@ -6,7 +6,7 @@ namespace testkit {
 
 namespace {
 
-char answer[256];
+thread_local char answer[256];
 
 }  // namespace
 
