@@ -24,6 +24,12 @@ void take_out(const TransportState& state, std::size_t count) {
   state.PageSize = static_cast<long>(kept);
 }
 
+/// Called with the lock.
+void empty(const TransportState& state) {
+  take_out(state, held(state).size());
+  state.hand_over.sent_job = SentJob::none;
+}
+
 }  // namespace
 
 long collect(const TransportState& state, std::string_view bytes) {
@@ -45,7 +51,7 @@ void drop_collected(const TransportState& state) {
   if (state.hand_over.senders > 0) {
     state.hand_over.drop_due = true;
   } else {
-    take_out(state, held(state).size());
+    empty(state);
   }
 }
 
@@ -65,43 +71,45 @@ std::size_t copy_collected(const TransportState& state, long offset, std::span<c
 
 void confirm_collected(const TransportState& state, long confirmed) {
   const MutexLock lock(state.hand_over.mutex);
-  if (state.hand_over.job_lost) return;
+  if (state.hand_over.sent_job == SentJob::lost) return;
   // While a transaction collects or is being sent, its request is not out yet: the confirmation
   // is a late one of an earlier job, and must not take the new receipt away.
   if (state.TransactionPrint == 0 && state.hand_over.senders == 0) {
     const std::size_t size = held(state).size();
     take_out(state, confirmed < 0 ? size : std::min(static_cast<std::size_t>(confirmed), size));
+    state.hand_over.sent_job = SentJob::none;
   }
   state.OutputComplemetFlag = 1;
 }
 
 void lose_sent_job(const TransportState& state) {
   const MutexLock lock(state.hand_over.mutex);
-  state.hand_over.job_lost = true;
+  if (state.hand_over.sent_job == SentJob::none) return;
+  state.hand_over.sent_job = SentJob::lost;
   // What was confirmed while the job was still being sent was an earlier one.
   if (state.hand_over.senders > 0) state.OutputComplemetFlag = 0;
 }
 
 bool sent_job_is_lost(const TransportState& state) {
   const MutexLock lock(state.hand_over.mutex);
-  return state.hand_over.job_lost;
+  return state.hand_over.sent_job == SentJob::lost;
 }
 
 void begin_resend(const TransportState& state) {
   const MutexLock lock(state.hand_over.mutex);
-  state.hand_over.job_lost = false;
+  state.hand_over.sent_job = SentJob::awaited;
 }
 
 void send_job_again(const TransportState& state) {
   const MutexLock lock(state.hand_over.mutex);
   // A request that is sent again brings nothing back.
-  if (state.hand_over.senders > 0) state.hand_over.job_lost = false;
+  if (state.hand_over.senders > 0) state.hand_over.sent_job = SentJob::awaited;
 }
 
 SendingJob::SendingJob(const TransportState& state) : state_(state) {
   const MutexLock lock(state.hand_over.mutex);
   ++state.hand_over.senders;
-  state.hand_over.job_lost = false;
+  state.hand_over.sent_job = SentJob::awaited;
 }
 
 SendingJob::~SendingJob() {
@@ -109,5 +117,5 @@ SendingJob::~SendingJob() {
   HandOver& hand_over = state_.hand_over;
   if (--hand_over.senders > 0 || !hand_over.drop_due) return;
   hand_over.drop_due = false;
-  take_out(state_, held(state_).size());
+  empty(state_);
 }

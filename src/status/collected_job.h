@@ -23,8 +23,8 @@ std::size_t copy_collected(const TransportState& state, long offset, std::span<c
 /// (-1), out of the buffer and sets `OutputComplemetFlag`.
 void confirm_collected(const TransportState& state, long confirmed = -1);
 
-/// What was sent may be gone: the printer's memory went with its power, or its connection was lost.
-/// The printer confirms what it has, so no confirmation counts until a job is sent anew.
+/// A job that went out may be gone: the printer's memory went with its power, or its connection was
+/// lost. No confirmation counts then until a job is sent anew.
 void lose_sent_job(const TransportState& state);
 bool sent_job_is_lost(const TransportState& state);
 

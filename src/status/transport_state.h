@@ -28,6 +28,10 @@ class Field {
   Integer& variable_;
 };
 
+/// The last job that went to the printer. Lost: bytes of it may be gone, so that the printer's
+/// confirmation, which is for what the printer has, does not count for it.
+enum class SentJob : unsigned char { none, awaited, lost };
+
 /// What callers and the monitor of a transport settle under a lock, beside the exported flags.
 struct HandOver {
   pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
@@ -35,7 +39,7 @@ struct HandOver {
   int reads = 0;          ///< callers that are in a read
   int senders = 0;        ///< callers that are sending the collected job
   bool drop_due = false;  ///< it was dropped meanwhile
-  bool job_lost = false;  ///< bytes of the last job that was sent may be gone: see collected_job.h
+  SentJob sent_job = SentJob::none;
 };
 
 struct TransportState {

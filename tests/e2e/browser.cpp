@@ -80,11 +80,9 @@ bool Browser::is_installed() {
 }
 
 Browser::Browser() {
-  std::string name = fs::temp_directory_path() / "tzvio-browser-XXXXXX";
-  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the browser");
-  folder_ = name;
-  driver_ = start_driver(folder_ / "out");
-  client_ = std::make_unique<httplib::Client>("http://127.0.0.1:" + port_in(folder_ / "out"));
+  driver_ = start_driver(folder_.path() / "out");
+  client_ =
+      std::make_unique<httplib::Client>("http://127.0.0.1:" + port_in(folder_.path() / "out"));
   client_->set_read_timeout(kPatience);
   const std::string id = between(ask("/session", kNewSession), R"("sessionId":")", "\"");
   if (id.empty()) throw std::runtime_error("the browser does not start");
@@ -96,8 +94,6 @@ Browser::~Browser() {
   client_->Delete(session_);
   kill(driver_, SIGTERM);
   waitpid(driver_, nullptr, 0);
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
 }
 
 void Browser::open(const std::string& url) {

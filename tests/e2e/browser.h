@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "support/temporary_folder.h"
+
 namespace httplib {
 class Client;
 }
@@ -35,7 +37,7 @@ class Browser {
  private:
   std::string ask(const std::string& command, const std::string& json);
 
-  std::filesystem::path folder_;
+  testkit::TemporaryFolder folder_;
   pid_t driver_ = 0;
   std::unique_ptr<httplib::Client> client_;
   std::string session_;  // its path

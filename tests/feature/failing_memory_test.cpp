@@ -10,6 +10,7 @@
 #include "failing_memory.h"
 #include "pictures/bmp.h"
 #include "support/links.h"
+#include "support/temporary_folder.h"
 #include "tzvio.h"
 
 namespace testkit {
@@ -45,7 +46,7 @@ class FailingMemory : public ScriptedTest,
                       public testing::WithParamInterface<std::tuple<Link, Hungry>> {
  protected:
   FailingMemory() {
-    std::filesystem::current_path(testing::TempDir());
+    std::filesystem::current_path(folder.path());
     const pictures::Bmp picture{.width = 64,
                                 .height = 64,
                                 .palette = std::string(pictures::kWhiteFirst),
@@ -66,6 +67,7 @@ class FailingMemory : public ScriptedTest,
     return failed;
   }
 
+  TemporaryFolder folder;
   const Link& link = std::get<Link>(GetParam());
   const Hungry& operation = std::get<Hungry>(GetParam());
   const char* port = link.port.c_str();

@@ -130,6 +130,17 @@ TEST_P(NetworkLostJob, that_is_cut_off_while_it_is_sent_goes_out_again_and_is_co
   EXPECT_THAT(printer.writes, ElementsAre(job, "LINK\n", kEnableReports, job));
 }
 
+TEST_P(NetworkLostJob, that_was_confirmed_before_the_connection_is_lost_is_confirmed) {
+  claim_and_collect();
+  printer.on_write = [this] {
+    if (printer.writes.size() != 1) return;
+    printer.input = kProcessIdAnswer;
+    kernel.at(kernel.now_ms() + 21, [this] { kernel.cut(link.port, 0); });
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
+  EXPECT_EQ(state.collected(), "");
+}
+
 // A report of any fault during a send counts as a loss there, so that the paper may show it twice.
 TEST_P(NetworkLostJob, during_which_a_fault_is_reported_goes_out_again) {
   claim_and_collect();

@@ -12,6 +12,7 @@
 #include "pictures/bmp.h"
 #include "support/all_operations.h"
 #include "support/links.h"
+#include "support/temporary_folder.h"
 #include "tzvio.h"
 
 namespace testkit {
@@ -29,7 +30,7 @@ class Manual : public ScriptedTest,
                public testing::WithParamInterface<std::tuple<Link, ManualExample>> {
  protected:
   Manual() {
-    std::filesystem::current_path(testing::TempDir());
+    std::filesystem::current_path(folder.path());
     pictures::Bmp logo{.width = 8, .height = 8, .palette = std::string(pictures::kWhiteFirst)};
     for (int row = 0; row < 8; ++row) logo.pixels += {'\x80', 0, 0, 0};
     std::ofstream("logo.bmp", std::ios::binary) << logo.file();
@@ -51,6 +52,7 @@ class Manual : public ScriptedTest,
     return static_cast<std::size_t>(std::ranges::find(columns, link.name) - columns.begin());
   }
 
+  TemporaryFolder folder;
   const Link& link = std::get<Link>(GetParam());
   const ManualExample& example = std::get<ManualExample>(GetParam());
   const char* port = link.port.c_str();

@@ -73,7 +73,11 @@ void ModelPrinter::when_received(std::size_t bytes, std::function<void()> action
 }
 
 long ModelPrinter::take(std::string_view bytes) {
-  if (connection_is_old_ && reachable()) refuse_old_connection();
+  if (connection_is_old_ && reachable()) {
+    refuse_old_connection();
+    return taken(0, bytes.size());
+  }
+  reconnections_ += bytes == "LINK\n"sv;
   if (reachable() && obey_at_once(bytes)) return static_cast<long>(bytes.size());
   std::size_t count = 0;
   const auto act_when_due = [this] {
@@ -281,6 +285,7 @@ void ModelPrinter::begin_job() {
   lost_memory_ = false;
   swallowed_ = false;
   losses_ = 0;
+  reconnections_ = 0;
   conditions_seen_ = 1U << int(condition_);
 }
 

@@ -62,6 +62,8 @@ class ModelPrinter {
   bool swallowed() const { return swallowed_; }
   /// Whether bytes or the printer's memory got lost since then.
   bool lost_memory() const { return lost_memory_; }
+  /// How often the till connected anew since then, and so sent what it was sending once more.
+  int reconnections() const { return reconnections_; }
   /// How often the connection was lost since then.
   int losses() const { return losses_; }
 
@@ -113,7 +115,7 @@ class ModelPrinter {
   std::int64_t last_answer_ms_ = 0;
   bool stale_ = false, lost_memory_ = false, swallowed_ = false;
   bool connection_is_old_ = false;  // made before the power went
-  int losses_ = 0;
+  int losses_ = 0, reconnections_ = 0;
 };
 
 }  // namespace soak

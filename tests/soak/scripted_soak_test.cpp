@@ -105,7 +105,7 @@ std::string ScriptedSoak::summary() const {
   }
   text << "\n  known exceptions: " << tally.memory_lost << " memory lost unseen, "
        << tally.stale_answer << " confirmed by an earlier answer, " << tally.sent_again
-       << " sent again after all of it had been printed, " << tally.torn_command
+       << " more than once on paper, " << tally.torn_command
        << " begun within a torn command\n  spoilt answers: " << tally.misread_codes
        << " told as another fault, " << tally.claimed_anew
        << " mended by a new claim\n  violations: " << tally.violations.size() << '\n'

@@ -69,7 +69,7 @@ bool Till::confirm(const Fault& fault, bool patient) {
       return true;
     }
     ++tally_.not_confirmed;
-    expectations_[number].whole = static_cast<std::uint16_t>(1 + printer_.losses());
+    expectations_[number].most = 1 + printer_.reconnections();
     // What is spoilt for the whole receipt would be so for ever.
     if (attempt == 1) end_faults(printer_);
     rest(patient);
@@ -139,31 +139,30 @@ void Till::check_code(long result, const Fault& fault) {
 void Till::check_confirmed(std::uint32_t number, const Fault& fault) {
   ++tally_.confirmed;
   const Paper::Account& paper = paper_.of(number);
-  expectations_[number] = {.confirmed = true, .whole = paper.whole};
-  if (paper.whole == 1) {
+  expectations_[number] = {.least = 1, .most = 1 + printer_.reconnections()};
+  if (paper.whole > 0) {
     if (paper.torn > printer_.losses()) violation("torn without a loss", number, fault);
-    return;
-  }
-  if (paper.whole == 0 && printer_.gave_stale_answer()) {
+  } else if (printer_.gave_stale_answer()) {
     ++tally_.stale_answer;
     // It comes out yet, or what was lost is not known to be.
-    expectations_[number] = {};
-  } else if (paper.whole == 0 && printer_.lost_memory() && !shows_power_) {
+    expectations_[number].least = 0;
+  } else if (printer_.lost_memory() && !shows_power_) {
     ++tally_.memory_lost;
-  } else if (paper.whole == 0 && printer_.swallowed() && link_.name == "serial") {
+    expectations_[number] = {.least = 0, .most = 0};
+  } else if (printer_.swallowed() && link_.name == "serial") {
     ++tally_.torn_command;
-  } else if (link_.name == "network" && paper.whole == 1 + printer_.losses()) {
-    ++tally_.sent_again;
+    expectations_[number] = {.least = 0, .most = 0};
   } else {
-    violation("confirmed and " + std::to_string(paper.whole) + " times on paper", number, fault);
+    violation("confirmed and not on paper", number, fault);
   }
 }
 
 void Till::check_all_paper() {
   for (std::uint32_t number = 0; number < next_; ++number) {
-    const auto [confirmed, whole] = expectations_[number];
-    const std::uint16_t found = paper_.of(number).whole;
-    if (confirmed ? found != whole : found > whole) {
+    const auto [least, most] = expectations_[number];
+    const int found = paper_.of(number).whole;
+    tally_.sent_again += found > 1;
+    if (found < least || found > most) {
       violation("in the end " + std::to_string(found) + " times on paper", number, {});
     }
   }

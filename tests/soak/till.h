@@ -46,8 +46,7 @@ class Till {
  private:
   /// What may be on paper of a number.
   struct Expectation {
-    bool confirmed = false;
-    std::uint16_t whole = 1;  ///< exactly, when confirmed; at most otherwise
+    int least = 0, most = 1;  ///< times, whole
   };
 
   bool confirm(const Fault& fault, bool patient);

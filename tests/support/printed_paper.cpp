@@ -124,11 +124,8 @@ std::string name_of(Line line) {
 }
 
 PrinterTest::PrinterTest(Line line) : address_(address_on(line)) {
-  std::string name = fs::temp_directory_path() / "tzvio-e2e-XXXXXX";
-  if (mkdtemp(name.data()) == nullptr) std::abort();
-  folder_ = name;
   fs::create_directory(in_folder("paper"));
-  setenv("XDG_RUNTIME_DIR", name.c_str(), 1);  // the socket of the printer's requests
+  setenv("XDG_RUNTIME_DIR", folder_.path().c_str(), 1);  // the socket of the printer's requests
 }
 
 // Whatever went wrong, nothing of ours goes on or stays.
@@ -137,8 +134,6 @@ PrinterTest::~PrinterTest() {
     kill(printer_, SIGTERM);
     exit_status_of(printer_);
   }
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
 }
 
 void PrinterTest::SetUp() {

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "support/temporary_folder.h"
+
 // What came out of the printer, in the order in which it was cut.
 struct PrintedPaper {
   std::vector<std::string> texts;
@@ -90,9 +92,9 @@ class PrinterTest : public testing::Test {
  private:
   bool ask(Words request) const;
   pid_t spawn(const Words& words, const std::string& output_name) const;
-  std::filesystem::path in_folder(const std::string& name) const { return folder_ / name; }
+  std::filesystem::path in_folder(const std::string& name) const { return folder_.path() / name; }
 
-  std::filesystem::path folder_;
+  testkit::TemporaryFolder folder_;
   Words address_;      // the printer's options for its line
   pid_t printer_ = 0;  // 0: none runs
 };

@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace virtual_printer {
 
@@ -124,7 +124,7 @@ class ProgramTest : public testing::Test {
   }
 
  private:
-  TemporaryFolder folder_;
+  testkit::TemporaryFolder folder_;
 };
 
 // A printer without a command, whose lines the test reads one by one.

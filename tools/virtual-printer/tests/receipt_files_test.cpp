@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "paper.h"
-#include "temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace virtual_printer {
 namespace {
@@ -19,7 +19,7 @@ std::string content_of(const std::filesystem::path& path) {
 }
 
 TEST(ReceiptFiles, writes_picture_and_text) {
-  const TemporaryFolder folder;
+  const testkit::TemporaryFolder folder;
   ReceiptFiles files(folder.path() / "new");
   EXPECT_EQ(files.write(render(printed("a")), PaperEnd::kCut),
             folder.path() / "new/receipt-001.png");
@@ -28,7 +28,7 @@ TEST(ReceiptFiles, writes_picture_and_text) {
 }
 
 TEST(ReceiptFiles, counts_past_files_of_every_kind) {
-  const TemporaryFolder folder;
+  const testkit::TemporaryFolder folder;
   std::ofstream(folder.path() / "receipt-001.txt").close();
   std::ofstream(folder.path() / "receipt-002-uncut.png").close();
   ReceiptFiles files(folder.path());
@@ -39,7 +39,7 @@ TEST(ReceiptFiles, counts_past_files_of_every_kind) {
 }
 
 TEST(ReceiptFiles, folder_that_cannot_be_made_is_an_error_at_once) {
-  const TemporaryFolder folder;
+  const testkit::TemporaryFolder folder;
   std::ofstream(folder.path() / "file").close();
   EXPECT_THROW(ReceiptFiles(folder.path() / "file"), std::runtime_error);
   EXPECT_THROW(ReceiptFiles(folder.path() / "file" / "new"), std::runtime_error);

@@ -6,12 +6,12 @@
 #include <stdexcept>
 #include <string>
 
-namespace virtual_printer {
+namespace testkit {
 
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "virtual-printer-XXXXXX";
+    std::string name = std::filesystem::temp_directory_path() / "tzvio-test-XXXXXX";
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
     path_ = name;
   }
@@ -28,4 +28,4 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-}  // namespace virtual_printer
+}  // namespace testkit
