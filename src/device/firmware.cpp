@@ -12,9 +12,8 @@ namespace {
 /// The region's bytes in their place of an otherwise empty frame; null when there is no memory. A
 /// file that is too short leaves zeros, which are sent: the printer's checksum is over them.
 Bytes read_region(const FirmwareRegion& region, std::FILE* image) {
-  Bytes frame = allocate(kLongestFirmwareFrame);
+  Bytes frame = allocate_zeroed(kLongestFirmwareFrame);
   if (!frame) return nullptr;
-  std::memset(frame.get(), 0, kLongestFirmwareFrame);
   std::fseek(image, region.offset, SEEK_CUR);
   (void)!std::fread(frame.get() + kFirmwareHeader, region.length, 1, image);
   return frame;

@@ -51,9 +51,8 @@ BmpFault convert(const Geometry& geometry, BmpBlocks& blocks, std::optional<BmpR
   blocks.pixels.reset();
 
   BmpRaster raster{geometry.newX, geometry.newY, {}};
-  raster.buffer = allocate(startDataLen + raster.count());
+  raster.buffer = allocate_zeroed(startDataLen + raster.count());
   if (!raster.buffer) return BmpFault::kNoRasterMemory;
-  std::memset(raster.buffer.get(), 0, startDataLen);
   to_columns(geometry, rows, raster.buffer.get() + startDataLen);
   loaded = std::move(raster);
   return BmpFault::kNone;

@@ -31,6 +31,8 @@ BitRows to_one_bit(const Geometry& geometry, const RGBQUAD& first_colour,
 }
 
 void to_columns(const Geometry& geometry, const BitRows& rows, std::uint8_t* data) {
+  // However wide a header says that its blank picture is.
+  if (geometry.rows() == 0) return;
   const auto bytes = static_cast<std::size_t>(geometry.newX);
   const BitColumns columns{.first = data, .bands = static_cast<std::size_t>(geometry.newY)};
   bit_kernels().transpose(rows, bytes, columns);

@@ -9,6 +9,6 @@
 BitRows to_one_bit(const Geometry& geometry, const RGBQUAD& first_colour,
                    const std::uint8_t* pixels, std::uint8_t* buffer);
 
-/// Turns one-bit rows into the columns of a raster, 8 x `newX` x `newY` bytes; dots outside the
-/// picture are white.
+/// Turns one-bit rows into the columns of a raster, 8 x `newX` x `newY` bytes that are zero; dots
+/// outside the picture are white.
 void to_columns(const Geometry& geometry, const BitRows& rows, std::uint8_t* data);

@@ -7,6 +7,7 @@
 
 extern "C" {
 void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
 void* __libc_realloc(void* memory, size_t size);
 }
 
@@ -62,6 +63,10 @@ extern "C" {
 
 void* malloc(size_t size) {
   return fails("malloc", __builtin_return_address(0)) ? nullptr : __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size) {
+  return fails("calloc", __builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
 }
 
 void* realloc(void* memory, size_t size) {

@@ -7,7 +7,7 @@ namespace testkit {
 void fail_memory(int nth);
 /// How many such calls there were; from now on none fails.
 int memory_calls();
-/// Which one failed: "malloc", "realloc", "fopen", "fread", "fseek".
+/// Which one failed: "malloc", "calloc", "realloc", "fopen", "fread", "fseek".
 const char* failed_call();
 
 }  // namespace testkit

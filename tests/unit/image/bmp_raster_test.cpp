@@ -2,6 +2,7 @@
 #include "image/bmp_raster.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "byte_strings.h"
 #include "pictures/bmp.h"
@@ -176,6 +177,17 @@ TEST(BmpRaster, with_a_negative_height_is_blank_and_one_band_high) {
       EXPECT_THAT(loaded.data(), BytesAre(std::string(24, '\0')));
     }
   }
+}
+
+// A file of some bytes can say that it is so wide.
+TEST(BmpRaster, however_wide_that_is_blank_touches_no_memory) {
+  rusage before{}, after{};
+  getrusage(RUSAGE_SELF, &before);
+  const Loaded loaded = load(Bmp{.width = 100'000'000, .height = -1, .pixels = "x"});
+  getrusage(RUSAGE_SELF, &after);
+  ASSERT_TRUE(loaded.raster.has_value());
+  EXPECT_EQ(loaded.raster->count(), 100'000'000U);
+  EXPECT_LT(after.ru_minflt - before.ru_minflt, 1000);
 }
 
 TEST(BmpRaster, with_a_height_of_0_is_blank_and_one_band_high) {

@@ -11,6 +11,15 @@ int allocated = 0;
 int held = 0;
 int opened = 0;
 
+template <typename Allocate>
+void* watch(Allocate allocate) {
+  if (!active) return allocate();
+  if (++allocated == failing) return nullptr;
+  void* memory = allocate();
+  if (memory != nullptr) ++held;
+  return memory;
+}
+
 }  // namespace
 
 namespace watched {
@@ -39,21 +48,23 @@ extern "C" {
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
 void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
 void __real_free(void* memory);
 std::FILE* __real_fopen(const char* path, const char* mode);
 int __real_fclose(std::FILE* file);
 
 void* __wrap_malloc(std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
 void __wrap_free(void* memory);
 std::FILE* __wrap_fopen(const char* path, const char* mode);
 int __wrap_fclose(std::FILE* file);
 
 void* __wrap_malloc(std::size_t size) {
-  if (!active) return __real_malloc(size);
-  if (++allocated == failing) return nullptr;
-  void* memory = __real_malloc(size);
-  if (memory != nullptr) ++held;
-  return memory;
+  return watch([&] { return __real_malloc(size); });
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+  return watch([&] { return __real_calloc(count, size); });
 }
 
 void __wrap_free(void* memory) {
