@@ -5,27 +5,18 @@
 namespace cli {
 namespace {
 
-#define TZVIO_CLI_THREAD(type, field, serial, parallel, usb, network)
-#define TZVIO_CLI_NUMBER(type, field, serial, parallel, usb, network, initial) serial,
-#define TZVIO_CLI_BYTES(size, field, serial, parallel, usb, network, initial) serial,
-const LinkState kSerialState{TZV_STATE_FIELDS(TZVIO_CLI_NUMBER, TZVIO_CLI_BYTES, TZVIO_CLI_THREAD)};
-#undef TZVIO_CLI_NUMBER
-#undef TZVIO_CLI_BYTES
-#define TZVIO_CLI_NUMBER(type, field, serial, parallel, usb, network, initial) parallel,
-#define TZVIO_CLI_BYTES(size, field, serial, parallel, usb, network, initial) parallel,
-const LinkState kParallelState{
-    TZV_STATE_FIELDS(TZVIO_CLI_NUMBER, TZVIO_CLI_BYTES, TZVIO_CLI_THREAD)};
-#undef TZVIO_CLI_NUMBER
-#undef TZVIO_CLI_BYTES
-#define TZVIO_CLI_NUMBER(type, field, serial, parallel, usb, network, initial) usb,
-#define TZVIO_CLI_BYTES(size, field, serial, parallel, usb, network, initial) usb,
-const LinkState kUsbState{TZV_STATE_FIELDS(TZVIO_CLI_NUMBER, TZVIO_CLI_BYTES, TZVIO_CLI_THREAD)};
-#undef TZVIO_CLI_NUMBER
-#undef TZVIO_CLI_BYTES
-#define TZVIO_CLI_NUMBER(type, field, serial, parallel, usb, network, initial) network,
-#define TZVIO_CLI_BYTES(size, field, serial, parallel, usb, network, initial) network,
-const LinkState kNetworkState{
-    TZV_STATE_FIELDS(TZVIO_CLI_NUMBER, TZVIO_CLI_BYTES, TZVIO_CLI_THREAD)};
+#define TZVIO_CLI_SERIAL(type, field, serial, ...) serial,
+#define TZVIO_CLI_PARALLEL(type, field, serial, parallel, ...) parallel,
+#define TZVIO_CLI_USB(type, field, serial, parallel, usb, ...) usb,
+#define TZVIO_CLI_NETWORK(type, field, serial, parallel, usb, network, ...) network,
+#define TZVIO_CLI_NONE(...)
+#define TZVIO_CLI_STATE(LINK) \
+  { TZV_STATE_FIELDS(LINK, LINK, TZVIO_CLI_NONE) }
+
+const LinkState kSerialState TZVIO_CLI_STATE(TZVIO_CLI_SERIAL);
+const LinkState kParallelState TZVIO_CLI_STATE(TZVIO_CLI_PARALLEL);
+const LinkState kUsbState TZVIO_CLI_STATE(TZVIO_CLI_USB);
+const LinkState kNetworkState TZVIO_CLI_STATE(TZVIO_CLI_NETWORK);
 
 struct Row {
   Link link;

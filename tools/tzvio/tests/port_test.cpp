@@ -36,6 +36,28 @@ class DeviceName {
   std::string name_;
 };
 
+// A terminal under the name of a serial port, open on both ends.
+class SerialTerminal {
+ public:
+  SerialTerminal() {
+    char path[64];
+    EXPECT_EQ(openpty(&master_, &slave_, path, nullptr, nullptr), 0);
+    EXPECT_EQ(symlink(path, name().c_str()), 0);
+  }
+  ~SerialTerminal() {
+    close(master_);
+    close(slave_);
+  }
+  SerialTerminal(const SerialTerminal&) = delete;
+  SerialTerminal& operator=(const SerialTerminal&) = delete;
+
+  const std::string& name() const { return device_.name(); }
+
+ private:
+  DeviceName device_{"/dev/ttyS"};
+  int master_ = -1, slave_ = -1;
+};
+
 bool is_root() {
   return geteuid() == 0;
 }
@@ -130,31 +152,19 @@ TEST_F(DoctorAlone, tells_a_file_from_a_device) {
 
 TEST_F(DoctorAlone, finds_who_has_the_port_open) {
   if (!is_root()) GTEST_SKIP() << "only root can give a terminal that name";
-  const DeviceName device("/dev/ttyS");
-  int master = -1, slave = -1;
-  char path[64];
-  ASSERT_EQ(openpty(&master, &slave, path, nullptr, nullptr), 0);
-  ASSERT_EQ(symlink(path, device.name().c_str()), 0);
-  const Outcome outcome = examine({"-p", device.name(), "--timeout", "20"});
-  close(master);
-  close(slave);
+  const SerialTerminal terminal;
+  const Outcome outcome = examine({"-p", terminal.name(), "--timeout", "20"});
   EXPECT_THAT(outcome.out, HasSubstr("(process " + std::to_string(getpid()) + ") has it open"));
 }
 
 TEST_F(DoctorAlone, ports_are_listed_with_what_they_are) {
   if (!is_root()) GTEST_SKIP() << "only root can give a terminal that name";
-  const DeviceName device("/dev/ttyS");
-  int master = -1, slave = -1;
-  char path[64];
-  ASSERT_EQ(openpty(&master, &slave, path, nullptr, nullptr), 0);
-  ASSERT_EQ(symlink(path, device.name().c_str()), 0);
-  EXPECT_THAT(run_alone({"ports"}).out, HasSubstr(device.name() + " serial\n"));
+  const SerialTerminal terminal;
+  EXPECT_THAT(run_alone({"ports"}).out, HasSubstr(terminal.name() + " serial\n"));
   const auto ports = json_of(run_alone({"ports", "--json", "--all"}))["ports"];
   bool found = false;
-  for (const auto& port : ports) found |= port["port"] == device.name() && port["usable"] == true;
+  for (const auto& port : ports) found |= port["port"] == terminal.name() && port["usable"] == true;
   EXPECT_TRUE(found) << ports;
-  close(master);
-  close(slave);
 }
 
 class Doctor : public CliTest {};
