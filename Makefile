@@ -71,11 +71,11 @@ sanitize-%:
 	@$(CTEST) --preset $*
 
 fuzz: fuzzers-fuzz fuzzers-fuzz-i386
-	@tools/fuzz.sh $(FUZZ_SECONDS) $(TARGET)
+	@JOBS=$(JOBS) tools/fuzz.sh $(FUZZ_SECONDS) $(TARGET)
 
-# Two minutes of running in all.
+# A minute of running in all.
 fuzz-briefly: fuzzers-fuzz fuzzers-fuzz-i386
-	@tools/fuzz.sh 5
+	@JOBS=$(JOBS) tools/fuzz.sh 5
 
 fuzzers-%:
 	@tools/install-dependencies.sh fuzz
