@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 #include "dispatch/port_operations.h"
 #include "dispatch/system.h"
@@ -79,10 +81,9 @@ Asked ask_sensors(const Transport& transport, PortHandle port) {
   return Asked::answered_or_silent;
 }
 
-/// The same with the monitor off the line.
-Asked ask_undisturbed(const Transport& transport, PortHandle port) {
-  const Exchange exchange(transport.state);
-  return ask_sensors(transport, port);
+/// Keeps a monitor that runs off the line.
+std::optional<Exchange> exchange_beside_monitor(const TransportState& state) {
+  return state.StopIt != 0 ? std::optional<Exchange>(std::in_place, state) : std::nullopt;
 }
 
 /// The code of the sensor that reports; 0 when none does.
@@ -107,6 +108,8 @@ long code_by_priority(const TransportState& state) {
 }  // namespace
 
 long ask_open_status(const Transport& transport, PortHandle port) {
+  // The monitor of an earlier opening may still run.
+  const auto exchange = exchange_beside_monitor(transport.state);
   if (transport.status_exchange.drain_first) {
     std::array<char, 128> stale;
     read_for_caller(transport, port, stale, kDrain);
@@ -123,10 +126,13 @@ long get_printer_status(const Transport& transport, const char* portName) {
   const PortHandle port = transport.registry.find(portName);
   if (!port) return kFailed;
   const TransportState& state = transport.state;
-  const bool monitored = state.StopIt != 0;
   const long known_error = error_code(state);
-  if (monitored && known_error != kOk) return known_error;
-  const Asked asked = monitored ? ask_undisturbed(transport, port) : ask_sensors(transport, port);
+  if (state.StopIt != 0 && known_error != kOk) return known_error;
+  Asked asked;
+  {
+    const auto exchange = exchange_beside_monitor(state);
+    asked = ask_sensors(transport, port);
+  }
   if (asked == Asked::nothing_sent) return kOk;
   return asked == Asked::malformed ? kFailed : code_by_priority(state);
 }

@@ -56,6 +56,21 @@ TEST_P(OpenStatus, decides_the_result_and_the_port_stays_open) {
   EXPECT_EQ(kernel.open_descriptors(), 1U);
 }
 
+class OpenBesideMonitor : public EveryLink {};
+TZV_ON_EVERY_LINK(OpenBesideMonitor);
+
+// A close does not stop the monitor, which finds the port by its name when it is open again.
+TEST_P(OpenBesideMonitor, is_given_the_answers) {
+  ClaimDevice(port, 0);
+  printer.answer(kAskCover, "\x12");
+  printer.answer(kAskPaper, "\x12");
+  for (int opening = 0; opening < 60; ++opening) {
+    ClosePort(port);
+    kernel.run_for(opening * 9 % 500);
+    EXPECT_EQ(OpenPort(port, link.settings.c_str()), 0) << opening;
+  }
+}
+
 struct Wait {
   std::string link;
   int64_t ready_ms;  ///< of an open whose printer answers at once
