@@ -231,6 +231,9 @@ int Kernel::open(const char* path, int flags) {
     errno = ENODEV;
     return -1;
   }
+  const auto found = devices_.find(path);
+  // What was written at full packets before is not gone on with.
+  if (found != devices_.end()) found->second->message_.clear();
   return static_cast<int>(record("open", detail, add(path, flags)));
 }
 
