@@ -40,7 +40,9 @@ std::string switch_word(bool on) {
 
 std::string lines_of(const Status& status) {
   std::string lines;
-  for (const auto& [name, value] : status) lines += name + ' ' + value + '\n';
+  for (const auto& [name, value] : status) {
+    lines.append(name).append(" ").append(value).append("\n");
+  }
   return lines;
 }
 

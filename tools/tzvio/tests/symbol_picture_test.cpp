@@ -11,7 +11,6 @@ using cli_test::LoneCliTest;
 using pictures::Bmp;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 // -------------------------------------------------------------------------------- barcode
 

@@ -154,6 +154,7 @@ TEST_F(PageServerTest, paper_and_receipts_are_pictures) {
 
 TEST_F(PageServerTest, so_many_may_watch_and_no_more) {
   std::vector<std::thread> watchers;
+  watchers.reserve(PageServer::kMostWatchers);
   std::atomic<int> watching = 0;
   std::atomic<bool> enough = false;
   for (int i = 0; i < PageServer::kMostWatchers; ++i) {

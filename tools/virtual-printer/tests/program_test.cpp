@@ -233,10 +233,14 @@ TEST_F(ServingTest, page_shows_the_printer_and_changes_it) {
   ASSERT_THAT(page, MatchesRegex("page http://127.0.0.1:[0-9]+/\n"));
   ASSERT_THAT(next_line(), StartsWith("ready"));
   HttpCaller caller(page.substr(5, page.size() - 7));
-  for (const std::string name : {"cover", "connection-lost", "mute", "slow"}) {
-    EXPECT_EQ(caller.ask("set " + name + (name == "slow" ? " 77" : " on"))->status, 200);
-    const std::string value = name == "slow" ? "77" : "on";
-    EXPECT_THAT(caller.events_until("\n\n"), HasSubstr('"' + name + "\":\"" + value + '"'));
+  const std::pair<std::string, std::string> changes[] = {
+      {"set cover on", R"("cover":"on")"},
+      {"set connection-lost on", R"("connection-lost":"on")"},
+      {"set mute on", R"("mute":"on")"},
+      {"set slow 77", R"("slow":"77")"}};
+  for (const auto& [request, shown] : changes) {
+    EXPECT_EQ(caller.ask(request)->status, 200);
+    EXPECT_THAT(caller.events_until("\n\n"), HasSubstr(shown));
   }
   EXPECT_EQ(caller.ask("set lid on")->status, 400);
   EXPECT_EQ(stop(), 0);
