@@ -165,7 +165,8 @@ TEST_F(TcpTest, endless_sender_is_replaced_all_the_same) {
   const pid_t sender = fork();
   if (sender == 0) {
     const Caller endless(port_number());
-    while (endless.try_send(std::string(1000, '\n'))) continue;
+    endless.try_send("\n\x1bi");
+    while (endless.try_send(std::string(1000, 'A'))) continue;
     _exit(0);
   }
   next_line();  // there is paper, so it is sending
