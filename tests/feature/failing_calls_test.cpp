@@ -5,7 +5,9 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <functional>
+#include <map>
 
 #include "support/all_operations.h"
 #include "support/links.h"
@@ -27,6 +29,12 @@ constexpr Failure kFailures[] = {{"interrupted", EINTR, 0},  {"io_error", EIO, 0
                                  {"takes_one", 0, 1}};
 
 class FailingCalls : public testing::TestWithParam<std::tuple<Link, Operation>> {
+ public:
+  static void TearDownTestSuite() {
+    for (const auto& [name, count] : failed_)
+      std::printf("%s: %d calls failed\n", name.c_str(), count);
+  }
+
  protected:
   ~FailingCalls() override {
     reset_library();
@@ -78,6 +86,7 @@ class FailingCalls : public testing::TestWithParam<std::tuple<Link, Operation>> 
     EXPECT_EQ(WritePort(port, "y", 1), 1) << what;
   }
 
+  static inline std::map<std::string, int> failed_;  // by link
   const Link& link = std::get<Link>(GetParam());
   const Operation& operation = std::get<Operation>(GetParam());
   const char* port = link.port.c_str();
@@ -101,6 +110,7 @@ TEST_P(FailingCalls, leave_everything_in_order) {
     for (int nth = 1; run(failure, nth); ++nth) {
       const std::string what = "call " + std::to_string(nth) + " " + failure.name;
       expect_order(what);
+      ++failed_[link.name];
       // A signal of the till's own is no failure of anything.
       if (failure.error == EINTR) {
         EXPECT_EQ(result, undisturbed) << what;

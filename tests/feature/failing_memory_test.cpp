@@ -3,9 +3,11 @@
 // nothing or what it had sent before, holds nothing back, and the next call works.
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 
 #include "failing_memory.h"
 #include "pictures/bmp.h"
@@ -56,6 +58,11 @@ class FailingMemory : public ScriptedTest,
     EXPECT_EQ(OpenPort(port, link.settings.c_str()), 0);
   }
 
+  static void TearDownTestSuite() {
+    for (const auto& [name, count] : failed_)
+      std::printf("%s: %d calls failed\n", name.c_str(), count);
+  }
+
   /// Runs it with the nth call failing; false when it makes fewer.
   bool run(int nth) {
     printer.output.clear();
@@ -67,6 +74,7 @@ class FailingMemory : public ScriptedTest,
     return failed;
   }
 
+  static inline std::map<std::string, int> failed_;  // by link
   TemporaryFolder folder;
   const Link& link = std::get<Link>(GetParam());
   const Hungry& operation = std::get<Hungry>(GetParam());
@@ -98,6 +106,7 @@ TEST_P(FailingMemory, is_told_and_holds_nothing_back) {
     EXPECT_EQ(result, of_the_file ? 0 : operation.when_short) << what;
     EXPECT_TRUE(of_the_file || whole.starts_with(printer.output)) << what;
     EXPECT_EQ(kernel.open_descriptors(), 1U) << what;
+    ++failed_[link.name];
     EXPECT_EQ(WritePort(port, "y", 1), 1) << what;
     if (HasFailure()) return;
   }
