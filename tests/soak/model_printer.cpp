@@ -56,7 +56,6 @@ ModelPrinter::ModelPrinter(testkit::Kernel& kernel, std::string path, bool shows
     : kernel_(kernel),
       path_(std::move(path)),
       device_(kernel.plug(path_)),
-      shows_power_(shows_power),
       paper_(paper),
       random_(seed) {
   device_.take = [this](std::string_view bytes) { return take(bytes); };

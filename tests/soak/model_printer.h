@@ -93,7 +93,6 @@ class ModelPrinter {
   testkit::Kernel& kernel_;
   std::string path_;
   testkit::Device& device_;
-  bool shows_power_;
   Paper& paper_;
   std::mt19937_64 random_;
 

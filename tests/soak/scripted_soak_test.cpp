@@ -39,6 +39,7 @@ std::size_t longest_job() {
 
 std::vector<Line> lines() {
   std::vector<Line> all;
+  all.reserve(testkit::kLinks.size() + 1);
   for (const testkit::Link& link : testkit::kLinks) all.push_back({link.name, link});
   all.push_back({"serial_without_dsr", testkit::kLinks.front(), false});
   return all;
