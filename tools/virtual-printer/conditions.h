@@ -68,7 +68,7 @@ struct ScriptedFault {
   enum class Unit { kLines, kBytes };
 
   Condition condition{};
-  std::size_t after = 0;  // lines printed or bytes received since the start; 0: on power-up
+  std::size_t after = 0;  // lines printed or bytes received from then on; 0: at once
   Unit unit = Unit::kLines;
 
   bool operator==(const ScriptedFault&) const = default;

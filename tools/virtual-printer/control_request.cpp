@@ -7,6 +7,7 @@ namespace {
 
 constexpr std::string_view kStatus = "status";
 constexpr std::string_view kSet = "set ";
+constexpr std::string_view kFault = "fault ";
 
 std::optional<ControlRequest> parse_change(std::string_view name, std::string_view value) {
   if (const auto condition = condition_named(name)) {
@@ -23,6 +24,10 @@ std::optional<ControlRequest> parse_change(std::string_view name, std::string_vi
 
 std::optional<ControlRequest> parse_control_request(std::string_view text) {
   if (text == kStatus) return StatusQuery{};
+  if (text.starts_with(kFault)) {
+    const auto fault = parse_scripted_fault(text.substr(kFault.size()));
+    return fault ? std::optional<ControlRequest>(*fault) : std::nullopt;
+  }
   if (!text.starts_with(kSet)) return std::nullopt;
   text.remove_prefix(kSet.size());
   const std::size_t end = std::min(text.find(' '), text.size());

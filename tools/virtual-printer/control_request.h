@@ -29,9 +29,9 @@ struct StatusQuery {
   bool operator==(const StatusQuery&) const = default;
 };
 
-using ControlRequest = std::variant<StatusQuery, ConditionChange, SettingChange>;
+using ControlRequest = std::variant<StatusQuery, ConditionChange, SettingChange, ScriptedFault>;
 
-// "status", or "set NAME VALUE".
+// "status", "set NAME VALUE", or "fault" and a scripted fault, which counts from the request on.
 std::optional<ControlRequest> parse_control_request(std::string_view text);
 
 // All that NAME may be, for people.

@@ -139,18 +139,26 @@ void describe_line_settings(CLI::App& app, LineFaults& faults) {
   }
 }
 
-// What the words after `set` are, until they are all there.
-struct SetWords {
+// What the words after `set` and `fault` are, until they are all there.
+struct RequestWords {
   std::string name;
   std::string value;
+  std::string fault;
 };
 
-void describe_requests(CLI::App& app, SetWords& words) {
+void describe_requests(CLI::App& app, RequestWords& words) {
   constexpr const char* kWhose = " of the running printer at --port or --listen";
   auto* const set = app.add_subcommand("set", std::string("Change something") + kWhose);
   set->fallthrough();
   set->add_option("NAME", words.name, names_that_can_be_set())->required();
   set->add_option("VALUE", words.value, "on, off or a number")->required();
+  auto* const fault = app.add_subcommand(
+      "fault",
+      std::string("Have a condition set in, once, as --fault does, counted from now on,") + kWhose);
+  fault->fallthrough();
+  fault->add_option("WHEN", words.fault, "CONDITION@LINE or CONDITION@BYTEB")
+      ->required()
+      ->check(CLI::Validator(check_fault, ""));
   auto* const status =
       app.add_subcommand("status", std::string("Conditions and counters") + kWhose);
   status->fallthrough();
@@ -166,7 +174,7 @@ void describe_decoding(CLI::App& app, Options& options) {
   decode->add_flag("--json", options.decode->json, "Each line a JSON object");
 }
 
-void describe(CLI::App& app, Options& options, SetWords& words) {
+void describe(CLI::App& app, Options& options, RequestWords& words) {
   // The last of several counts, so that a script's defaults can be overridden.
   app.option_defaults()->take_last();
   describe_line(app, options);
@@ -181,8 +189,9 @@ void describe(CLI::App& app, Options& options, SetWords& words) {
       "Each cut writes receipt-NNN.png and receipt-NNN.txt; uncut paper is written at the end.");
 }
 
-std::string request_of(const CLI::App& app, const SetWords& words) {
+std::string request_of(const CLI::App& app, const RequestWords& words) {
   if (app.got_subcommand("status")) return "status";
+  if (app.got_subcommand("fault")) return "fault " + words.fault;
   if (!app.got_subcommand("set")) return "";
   std::string request = "set " + words.name + " " + words.value;
   if (!parse_control_request(request)) {
@@ -193,7 +202,7 @@ std::string request_of(const CLI::App& app, const SetWords& words) {
 }
 
 // What no single option can say.
-void settle(const CLI::App& app, Options& options, const SetWords& words) {
+void settle(const CLI::App& app, Options& options, const RequestWords& words) {
   options.request = request_of(app, words);
   if (!app.got_subcommand("decode")) options.decode.reset();
   options.page = app.count("--page") > 0;
@@ -214,7 +223,7 @@ void check_together(const Options& options, bool has_mark) {
   }
   if (has_mark && options.command.empty()) throw CLI::ValidationError("--", "COMMAND is missing");
   if (has_mark && (!options.request.empty() || options.decode)) {
-    throw CLI::ValidationError("--", "set, status and decode take no COMMAND");
+    throw CLI::ValidationError("--", "set, fault, status and decode take no COMMAND");
   }
 }
 
@@ -225,7 +234,7 @@ std::variant<Options, int> parse_command_line(int argc, char** argv) {
   char** const end = argv + argc;
   char** const mark = std::find(argv, end, kCommandMark);
   Options options;
-  SetWords words;
+  RequestWords words;
   if (mark != end) options.command.assign(mark + 1, end);
   CLI::App app(
       "Plays a thermal receipt printer behind a serial port, a parallel port, USB or TCP.\n"

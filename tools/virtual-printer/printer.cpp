@@ -61,7 +61,8 @@ void Printer::set(Condition condition, bool on) {
   print_held();
 }
 
-void Printer::expect_fault(const ScriptedFault& fault) {
+void Printer::expect_fault(ScriptedFault fault) {
+  fault.after += counted_for(fault);
   fault_ = fault;
   let_fault_set_in();
 }
@@ -250,10 +251,12 @@ std::size_t Printer::bytes_before_fault() const {
   return fault_->after - std::min(fault_->after, parser_.end());
 }
 
+std::size_t Printer::counted_for(const ScriptedFault& fault) const {
+  return fault.unit == ScriptedFault::Unit::kLines ? printed_lines() : parser_.end();
+}
+
 void Printer::let_fault_set_in() {
-  if (!fault_) return;
-  const bool in_lines = fault_->unit == ScriptedFault::Unit::kLines;
-  if ((in_lines ? printed_lines() : parser_.end()) < fault_->after) return;
+  if (!fault_ || counted_for(*fault_) < fault_->after) return;
   const Condition condition = fault_->condition;
   fault_.reset();
   change(condition, true);

@@ -69,8 +69,8 @@ class Printer {
   // Goes on printing when the condition was the last that stopped it.
   void set(Condition condition, bool on);
 
-  // At zero it sets in now.
-  void expect_fault(const ScriptedFault& fault);
+  // Counted from now on; at zero it sets in now. The one that was expected before is not any more.
+  void expect_fault(ScriptedFault fault);
 
   // How many bytes may be received at once for a fault to set in at the very one.
   std::size_t bytes_before_fault() const;
@@ -109,6 +109,7 @@ class Printer {
 
   void change(Condition condition, bool on);
   void forget_everything();
+  std::size_t counted_for(const ScriptedFault& fault) const;
   void let_fault_set_in();
 
   PrinterListener& listener_;

@@ -121,11 +121,15 @@ bool Service::is_about_to_go_on() const {
 
 void Service::power_up() {
   link_.refuse_nibble_mode(options_.line.nibble_refusals);
-  if (const auto& fault = options_.fault) {
-    const bool in_bytes = fault->unit == ScriptedFault::Unit::kBytes;
-    if (in_bytes && fault->condition == Condition::kBusy) link_.limit_room(fault->after);
-    printer_.expect_fault(*fault);
-  }
+  if (options_.fault) expect(*options_.fault);
+}
+
+void Service::expect(const ScriptedFault& fault) {
+  const bool in_bytes = fault.unit == ScriptedFault::Unit::kBytes;
+  if (in_bytes && fault.condition == Condition::kBusy) link_.limit_room(fault.after);
+  printer_.expect_fault(fault);
+  look_for_hang_up();
+  send_due_answers();
 }
 
 void Service::serve_once() {
@@ -202,6 +206,7 @@ ControlReply Service::control(const std::string& request) {
   if (std::holds_alternative<StatusQuery>(*parsed)) return {true, lines_of(status())};
   if (const auto* condition = std::get_if<ConditionChange>(&*parsed)) change(*condition);
   if (const auto* setting = std::get_if<SettingChange>(&*parsed)) change(*setting);
+  if (const auto* fault = std::get_if<ScriptedFault>(&*parsed)) expect(*fault);
   return {true, ""};
 }
 

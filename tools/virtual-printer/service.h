@@ -76,6 +76,7 @@ class Service : private PrinterListener {
   ControlReply control(const std::string& request);
   void change(const ConditionChange& change);
   void change(const SettingChange& change);
+  void expect(const ScriptedFault& fault);
   Status status() const;
   void update_page();
   void complain(const std::string& words);

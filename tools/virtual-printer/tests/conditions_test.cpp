@@ -65,6 +65,16 @@ TEST(ControlRequest, status_or_a_change) {
   }
 }
 
+TEST(ControlRequest, fault_that_is_to_set_in) {
+  EXPECT_EQ(parse_control_request("fault jam@3"),
+            ControlRequest(ScriptedFault{Condition::kCutterJam, 3}));
+  EXPECT_EQ(parse_control_request("fault busy@40B"),
+            ControlRequest(ScriptedFault{Condition::kBusy, 40, ScriptedFault::Unit::kBytes}));
+  for (const char* wrong : {"fault", "fault ", "fault jam", "fault lid@3", "fault jam@3 on"}) {
+    EXPECT_EQ(parse_control_request(wrong), std::nullopt) << wrong;
+  }
+}
+
 TEST(ControlRequest, switches_are_switched_and_numbers_set) {
   for (const LineSetting& setting : kLineSettings) {
     const std::string set = "set " + std::string(setting.name);

@@ -109,6 +109,17 @@ TEST_F(FaultTest, scripted_fault_and_recovery_leave_one_whole_receipt) {
   EXPECT_EQ(receipt("receipt-001.txt"), "a\nb\nc\nd\n");
 }
 
+TEST_F(FaultTest, fault_is_asked_for_at_a_byte_while_the_printer_runs) {
+  const Outcome outcome = run_till(R"(
+    printf 'a\n\020\004\004' >&3; answer 1
+    $printer fault cover@2B --port $port; $printer fault lid@2B --port $port
+    printf 'b\nc\n\020\004\002' >&3; answer 1
+    change cover off)");
+  EXPECT_THAT(outcome.out, HasSubstr("\n 12\ncondition cover on\n 16\ncondition cover off\n"));
+  EXPECT_THAT(outcome.errors, HasSubstr("CONDITION one of cover, paper-out"));
+  EXPECT_EQ(receipt("receipt-001-uncut.txt"), "a\nb\nc\n");
+}
+
 TEST_F(FaultTest, receipt_is_whole_although_the_command_did_not_wait_for_recovery) {
   const Outcome outcome = run_till(R"(printf 'a\nb\n\033i' >&3; exit 5)",
                                    {"--fault", "cover@0", "--recover-after", "50"});

@@ -242,6 +242,19 @@ TEST_F(PrinterTest, lines_before_an_initialise_count_for_the_scripted_fault) {
   EXPECT_EQ(printer.printed_lines(), 3U);
 }
 
+TEST_F(PrinterTest, fault_counts_lines_and_bytes_from_when_it_is_expected) {
+  printer.receive("a\nb\n");
+  printer.expect_fault({Condition::kPaperOut, 1});
+  printer.receive("c\nd\n");
+  EXPECT_EQ(printer.printed_lines(), 3U);
+  printer.set(Condition::kPaperOut, false);
+  printer.expect_fault({Condition::kCoverOpen, 3, ScriptedFault::Unit::kBytes});
+  EXPECT_EQ(printer.bytes_before_fault(), 3U);
+  EXPECT_FALSE(printer.conditions().has(Condition::kCoverOpen));
+  printer.receive("e\nf");
+  EXPECT_TRUE(printer.conditions().has(Condition::kCoverOpen));
+}
+
 TEST_F(PrinterTest, power_off_forgets_all_but_the_paper) {
   printer.receive(kReportsOn);
   printer.receive("printed\n\x1b!\x20open");
