@@ -27,9 +27,10 @@ constexpr int kMostWaiting = 8;
 constexpr const char* kPreload = "LD_PRELOAD";
 constexpr const char* kDevices = "TZVIO_DEVICES";
 
+// Of a page that was left behind, programs may still look at the memory: it is begun anew in place.
 DevicePage* make_page(const std::string& path) {
-  const Descriptor file(check(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600),
-                              "cannot make " + path));
+  const Descriptor file(
+      check(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600), "cannot make " + path));
   check(ftruncate(file.number(), sizeof(DevicePage)), "cannot make " + path);
   void* const memory =
       mmap(nullptr, sizeof(DevicePage), PROT_READ | PROT_WRITE, MAP_SHARED, file.number(), 0);
@@ -70,6 +71,14 @@ std::string preload_library() {
   return path;
 }
 
+void expect_nobody_at(const std::string& path) {
+  const Descriptor caller(
+      check(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "cannot look at " + path));
+  if (with_unix_address(connect, caller.number(), path) == 0) {
+    throw std::runtime_error("another printer listens at " + path);
+  }
+}
+
 std::string joined(const std::string& first, const char* variable) {
   const char* const rest = std::getenv(variable);
   return rest == nullptr || *rest == '\0' ? first : first + ":" + rest;
@@ -104,11 +113,19 @@ PrivateFolder::~PrivateFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
-DeviceLink::DeviceLink(std::string name)
+DeviceLink::DeviceLink(std::string name, std::string socket)
     : StreamLink(Sharing::kAll),
       name_(std::move(name)),
       kind_(tzvio_devices::kind_of(name_)),
-      page_(make_page(socket_path() + ".page")) {
+      socket_(std::move(socket)) {
+  if (socket_.empty()) {
+    socket_ = folder_.emplace().path() + "/line";
+  } else {
+    expect_nobody_at(socket_);
+    // What a printer that was killed has left, and nothing else.
+    if (std::filesystem::is_socket(socket_)) unlink(socket_.c_str());
+  }
+  page_ = make_page(socket_ + ".page");
   set_up_line(*page_);
   page_->room = tzvio_devices::kNoLimit;
   take_connections();
@@ -125,7 +142,7 @@ std::string DeviceLink::settings() const {
 
 Environment DeviceLink::environment() const {
   return {{kPreload, joined(preload_library(), kPreload)},
-          {kDevices, joined(name_ + "=" + socket_path(), kDevices)}};
+          {kDevices, joined(name_ + "=" + socket_, kDevices)}};
 }
 
 // The node is gone before it takes no connection any more, and takes connections before it is back.
@@ -164,7 +181,7 @@ void DeviceLink::refuse_nibble_mode(int times) {
 }
 
 Descriptor DeviceLink::listen_anew() {
-  const std::string path = socket_path();
+  const std::string& path = socket_;
   Descriptor socket(check(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0),
                           "cannot make " + path));
   check(with_unix_address(bind, socket.number(), path), "cannot make " + path);
@@ -174,7 +191,7 @@ Descriptor DeviceLink::listen_anew() {
 
 void DeviceLink::stop_listening() {
   StreamLink::stop_listening();
-  unlink(socket_path().c_str());
+  unlink(socket_.c_str());
 }
 
 }  // namespace virtual_printer

@@ -2,6 +2,8 @@
 // no rights are needed.
 #pragma once
 
+#include <optional>
+
 #include "device_page.h"
 #include "stream_link.h"
 
@@ -23,7 +25,9 @@ class PrivateFolder {
 
 class DeviceLink : public StreamLink {
  public:
-  explicit DeviceLink(std::string name);
+  // At a socket of that path, where a printer that is started again finds its device again; without
+  // one, at a socket that goes with the object.
+  explicit DeviceLink(std::string name, std::string socket = {});
   ~DeviceLink() override;
 
   std::string name() const override { return name_; }
@@ -36,14 +40,14 @@ class DeviceLink : public StreamLink {
  private:
   Descriptor listen_anew() override;
   void stop_listening() override;
-  std::string socket_path() const { return folder_.path() + "/line"; }
   bool is_gone(const Conditions& conditions) const;
   void show_busy(bool busy);
 
   std::string name_;
   tzvio_devices::DeviceKind kind_;
-  PrivateFolder folder_;
-  tzvio_devices::DevicePage* page_;
+  std::optional<PrivateFolder> folder_;
+  std::string socket_;
+  tzvio_devices::DevicePage* page_ = nullptr;
   bool busy_ = false;
 };
 

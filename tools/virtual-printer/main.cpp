@@ -53,7 +53,8 @@ std::unique_ptr<Link> make_link(const Options& options) {
   if (options.listen) return std::make_unique<TcpLink>(*options.listen);
   const bool serial = tzvio_devices::kind_of(options.port) == tzvio_devices::DeviceKind::kSerial;
   const bool played = !serial || options.environment || !options.command.empty();
-  if (played && !options.terminal) return std::make_unique<DeviceLink>(options.port);
+  if (played && !options.terminal)
+    return std::make_unique<DeviceLink>(options.port, options.socket);
   return make_terminal(options.port);
 }
 

@@ -27,6 +27,13 @@ std::string check_port_name(const std::string& name) {
                 "/dev/lp and go on without a slash, a colon, an equals sign or a blank";
 }
 
+// It goes into an environment variable in which these marks have a meaning.
+std::string check_socket(const std::string& path) {
+  return path.find_first_of(":= '") == std::string::npos
+             ? ""
+             : "the socket's path must be without colons, equals signs, blanks and quotes";
+}
+
 std::string check_tcp_address(const std::string& text) {
   return parse_tcp_address(text) ? "" : "the address must be [ADDRESS:]PORT, ADDRESS as 127.0.0.1";
 }
@@ -57,6 +64,13 @@ void describe_line(CLI::App& app, Options& options) {
       app.add_flag("--environment", options.environment,
                    "Plays the device without a command, and says what environment a program needs");
   terminal->excludes(environment);
+  auto* const socket =
+      app.add_option("--socket", options.socket,
+                     "Where the device that is played has its socket: a printer that is started "
+                     "again with the same is behind the same device")
+          ->option_text("PATH")
+          ->check(CLI::Validator(check_socket, ""))
+          ->excludes(terminal);
   app.add_option_function<std::string>(
          "--listen",
          [&options](const std::string& text) { options.listen = parse_tcp_address(text); },
@@ -65,7 +79,8 @@ void describe_line(CLI::App& app, Options& options) {
       ->check(CLI::Validator(check_tcp_address, ""))
       ->excludes(port)
       ->excludes(terminal)
-      ->excludes(environment);
+      ->excludes(environment)
+      ->excludes(socket);
 }
 
 void describe_files(CLI::App& app, Options& options) {

@@ -19,6 +19,7 @@ struct DecodeRequest {
 
 struct Options {
   std::string port = "/dev/ttyS-virtual";
+  std::string socket;                // of the device that is played; empty: one that goes with us
   std::optional<TcpAddress> listen;  // in place of the port
   bool terminal = false;             // a real one, although there is a command
   bool environment = false;          // that a program needs to open the port is told

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <csignal>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -92,6 +95,39 @@ TEST_F(DeviceProgramTest, usb_node_may_not_be_there) {
 TEST_F(DeviceProgramTest, usb_printer_may_take_nothing) {
   EXPECT_EQ(run_till(kUsb, "write:5", {"--fault", "takes-nothing@0"}),
             "condition takes-nothing on\nwrite:5 0\n");
+}
+
+class RestartTest : public ServingTest {};
+
+TEST_F(RestartTest, till_finds_its_device_again_when_the_printer_was_killed) {
+  port_ = kUsb + ("-test" + std::to_string(getpid()));
+  const std::vector<std::string> options{"--port", port_, "--socket", in_folder("line")};
+  start_serving(options);
+  std::string command = next_line();
+  ASSERT_THAT(command, HasSubstr('=' + in_folder("line").string()));
+  command.back() = ' ';
+  command += DEVICE_TILL_PROGRAM + (' ' + port_) + " query gone back query read";
+  FILE* const till = popen(command.c_str(), "r");
+  std::array<char, 64> line{};
+  const auto next_word = [&] { return std::string(fgets(line.data(), line.size(), till)); };
+  EXPECT_EQ(next_word(), "query 3\n");
+  EXPECT_EQ(stop(SIGKILL), 128 + SIGKILL);
+  EXPECT_EQ(next_word(), "gone -1 No such device\n");
+  start_serving(options);
+  EXPECT_EQ(next_word(), "back 0\n");
+  EXPECT_EQ(next_word(), "query 3\n");
+  EXPECT_EQ(next_word(), "read 1\n");
+  EXPECT_EQ(pclose(till), 0);
+}
+
+TEST_F(RestartTest, socket_of_a_running_printer_is_left_to_it) {
+  port_ = kUsb + ("-test" + std::to_string(getpid()));
+  start_serving({"--port", port_, "--socket", in_folder("line")});
+  ASSERT_THAT(next_line(), HasSubstr("env "));
+  ASSERT_THAT(next_line(), HasSubstr("ready "));
+  const Outcome second = run_script("true", {"--socket", in_folder("line")});
+  EXPECT_EQ(second.status, kOwnFailure);
+  EXPECT_THAT(second.errors, HasSubstr("another printer listens at"));
 }
 
 TEST_F(DeviceProgramTest, serial_printer_shows_with_dsr_whether_it_takes_bytes) {

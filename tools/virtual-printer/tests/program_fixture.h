@@ -152,8 +152,8 @@ class ServingTest : public ProgramTest {
     return fgets(line.data(), line.size(), lines_) == nullptr ? "" : line.data();
   }
 
-  int stop() {
-    kill(pid_, SIGTERM);
+  int stop(int signal = SIGTERM) {
+    kill(pid_, signal);
     const int status = exit_status_of(std::exchange(pid_, -1));
     fclose(lines_);
     return status;
