@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <system_error>
+#include <utility>
 
 namespace virtual_printer {
 namespace {
@@ -60,7 +61,10 @@ TcpLink::TcpLink(TcpAddress address)
   take_connections();
 }
 
+// To a printer that has just been switched on, a connection of before is unknown, and it says so.
 void TcpLink::show(const Conditions& conditions) {
+  const bool was_powered = std::exchange(powered_, !conditions.has(Condition::kPowerOff));
+  if (powered_ && !was_powered) refuse_connections(HangUp::kReset);
   if (conditions.has(Condition::kConnectionLost)) {
     refuse_connections(HangUp::kReset);
   } else if (conditions.has(Condition::kConnectionClosed)) {

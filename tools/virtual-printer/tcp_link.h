@@ -34,6 +34,7 @@ class TcpLink : public StreamLink {
   Descriptor listen_anew() override;
 
   TcpAddress address_;
+  bool powered_ = true;
 };
 
 }  // namespace virtual_printer

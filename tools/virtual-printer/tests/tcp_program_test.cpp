@@ -216,6 +216,17 @@ TEST_F(TcpTest, nothing_listens_while_the_connection_is_lost) {
   EXPECT_TRUE(Caller(port_number()).is_connected());
 }
 
+TEST_F(TcpTest, connection_is_unknown_to_a_printer_that_was_off_meanwhile) {
+  start_listening();
+  Caller till(port_number());
+  till.send(kReportsOn);
+  EXPECT_EQ(till.receive(4), kHealthy);
+  EXPECT_EQ(set("power-off", "on"), 0);
+  EXPECT_EQ(set("power-off", "off"), 0);
+  EXPECT_EQ(till.end(), ECONNRESET);
+  EXPECT_TRUE(Caller(port_number()).is_connected());
+}
+
 TEST_F(TcpTest, orderly_end_comes_after_the_line) {
   start_listening({"--fault", "connection-closed@1"});
   Caller till(port_number());
