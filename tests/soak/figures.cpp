@@ -36,8 +36,10 @@ Usage measure(std::size_t receipts, const std::string& process) {
   std::ifstream(folder + "/statm") >> pages >> pages;
   constexpr std::size_t kKib = 1024;
   usage.resident_kib = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / kKib;
+  clockid_t clock = CLOCK_PROCESS_CPUTIME_ID;
+  if (process != "self") clock_getcpuclockid(std::stoi(process), &clock);
   timespec used{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+  clock_gettime(clock, &used);
   usage.processor_ms =
       static_cast<double>(used.tv_sec) * 1e3 + static_cast<double>(used.tv_nsec) / 1e6;
   return usage;
