@@ -13,8 +13,9 @@
 #   make fuzz     each fuzzer in both widths for FUZZ_SECONDS (3600); TARGET=links chooses one
 #   make coverage which lines and branches of the library the tests run, in build/coverage/report.txt
 #   make soak     tens of thousands of receipts on every link while faults fall at random, and the
-#                 figures in build/soak/report.txt; SOAK_RECEIPTS=n, SEED=n and LINK= choose; SOAK_SECONDS
-#                 is for the threads
+#                 figures in build/soak/report.txt; then hundreds in real time on the virtual
+#                 printer, which is killed at times as well; SOAK_RECEIPTS=n, SOAK_PRINTER_RECEIPTS=n,
+#                 SEED=n and LINK= choose; SOAK_SECONDS is for the threads
 #   make soak-threads  every operation from many threads, under the thread sanitizer
 
 JOBS ?= 2

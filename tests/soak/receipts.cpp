@@ -30,6 +30,7 @@ std::vector<std::string> lines_of(std::uint32_t number) {
 }
 
 void Paper::line(std::string_view text) {
+  if (text.ends_with("LINK")) ++reconnections_;
   // What stands before a beginning is what an interrupted job left on the open line.
   const std::size_t begin = text.rfind('<');
   if (begin != std::string_view::npos && text.size() == begin + 1 + kDigits) {
@@ -37,6 +38,7 @@ void Paper::line(std::string_view text) {
     tear();
     if (number >= accounts_.size()) return;
     number_ = static_cast<std::uint32_t>(number);
+    accounts_[number_].reconnections += std::exchange(reconnections_, std::uint16_t{0});
     expected_ = lines_of(number_);
     seen_ = 1;
     return;

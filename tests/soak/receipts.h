@@ -18,6 +18,8 @@ class Paper {
   struct Account {
     std::uint16_t whole = 0;
     std::uint16_t torn = 0;
+    /// Connections made anew before it: each prints a line of its own.
+    std::uint16_t reconnections = 0;
   };
 
   /// Keeps the accounts of that many numbers, from 0 on.
@@ -35,6 +37,7 @@ class Paper {
   std::vector<std::string> expected_;  // of the receipt that is coming out
   std::size_t seen_ = 0;               // lines of it; 0: none is
   std::uint32_t number_ = 0;
+  std::uint16_t reconnections_ = 0;  // since a receipt began
 };
 
 }  // namespace soak
