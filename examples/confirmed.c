@@ -28,17 +28,19 @@ const char* in_words(long code) {
 
 int wait_until_ready(const char* port, long code) {
   const struct timespec pause = {0, 20 * 1000 * 1000};
-  int keeps_data = 0;
+  int holds = 0, jammed = 0, offline = 0;
   for (int looks = 0; looks < kPatienceSeconds * 50; ++looks) {
-    keeps_data |= code == TZV_STATUS_COVER_OPEN || code == TZV_STATUS_PAPER_EMPTY ||
-                  code == TZV_STATUS_CUTTER_JAM;
+    holds |= code == TZV_STATUS_COVER_OPEN || code == TZV_STATUS_PAPER_EMPTY;
+    jammed |= code == TZV_STATUS_CUTTER_JAM;
+    offline |= code == TZV_STATUS_OFFLINE;
     if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) break;
     nanosleep(&pause, NULL);
     /* Any write makes a lost network connection anew, even one of nothing. */
     if (looks % 50 == 49) WritePort(port, "", 0);
     code = GetError(port);
   }
-  return keeps_data;
+  /* Without power it has forgotten what it held. But a jam alone shows as offline now and then. */
+  return jammed || (holds && !offline);
 }
 
 static long milliseconds_now(void) {

@@ -6,8 +6,8 @@
 const char* in_words(long code);
 
 /* Waits, for a minute at most, until the claimed printer is ready; `code` is what is known of it so
- * far. Returns whether it was seen in a state in which it keeps what it has received: cover, paper
- * or cutter, rather than without power. */
+ * far. Returns whether it still has what it had received: it was stopped by its cover, paper or
+ * cutter, and not without power meanwhile. */
 int wait_until_ready(const char* port, long code);
 
 /* Prints as one transaction, on a port that is claimed, and sees every fault through: waits until

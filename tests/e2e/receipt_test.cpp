@@ -164,6 +164,16 @@ TEST_F(Receipt, stands_whole_at_the_end_of_the_paper_after_a_power_cut) {
             "CORNER SHOP\nTill 3\n\n  2 Coffee, ground, 500 g            11.80\n" + kPaper);
 }
 
+TEST_P(ReceiptOnLine, is_printed_again_when_the_power_goes_while_the_cover_is_open) {
+  start_under_printer({"--strict", "--fault", "cover@7"}, receipt());
+  ASSERT_TRUE(wait_for_line("not confirmed: 1"));
+  ASSERT_TRUE(set("power-off", "on"));
+  usleep(1'500'000);  // longer than the monitor's cycle
+  ASSERT_TRUE(set("power-off", "off"));
+  ASSERT_TRUE(set("cover", "off"));
+  expect_whole_at_the_end(finish());
+}
+
 // At a byte of the line's, counted with those of the opening.
 struct Loss {
   Line line;

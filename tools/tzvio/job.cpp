@@ -95,10 +95,15 @@ bool can_go_on(Outcome outcome) {
 Result print_confirmed(Session& session) {
   End end = end_transaction(session);
   while (can_go_on(outcome_of(session, end)) && session.options().wait_s > 0) {
-    if (session.wait_out_fault() != Outcome::kDone) break;
+    const Outcome left = session.wait_out_fault();
+    const bool has_forgotten = left == Outcome::kUnconfirmed;
+    if (left != Outcome::kDone && !has_forgotten) break;
     if (end.sent_nothing()) {
       // What is collected stays until it is sent.
       end = end_transaction(session);
+    } else if (has_forgotten) {
+      end.result = TZV_STATUS_OFFLINE;
+      break;
     } else if (end.sent_whole()) {
       // The printer held what it had and prints on: asked, rather than told to print twice.
       end.result = session.settle();

@@ -123,11 +123,14 @@ std::optional<Result> Session::make_ready() {
 
 Outcome Session::wait_out_fault() {
   const auto deadline = Clock::now() + seconds(options_.wait_s);
+  bool has_forgotten = false;
   while (fault_now() != Outcome::kDone && Clock::now() < deadline) {
+    has_forgotten |= look_at(state()).power_off;
     mend_line();
     pause_between_looks();
   }
-  return fault_now();
+  const Outcome fault = fault_now();
+  return fault == Outcome::kDone && has_forgotten ? Outcome::kUnconfirmed : fault;
 }
 
 Outcome Session::fault_now() const {

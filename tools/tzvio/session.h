@@ -38,7 +38,8 @@ class Session {
   // "offline", which it brings with it.
   Outcome fault_now() const;
 
-  // Waits for the end of a fault, as long as --wait has it; kDone when it has ended.
+  // Waits for the end of a fault, as long as --wait has it. The fault that is left; kDone when it
+  // has ended, kUnconfirmed when the printer was without power meanwhile and has forgotten all.
   Outcome wait_out_fault();
 
   // An empty transaction: kDone when all that was sent before is printed.

@@ -1,4 +1,6 @@
 // print, cut, drawer: what reaches the paper, and what is told when it does not.
+#include <unistd.h>
+
 #include <fstream>
 
 #include "cli_test.h"
@@ -231,6 +233,20 @@ TEST_F(Print, a_printer_that_loses_power_on_the_way_leaves_it_unconfirmed) {
   const Outcome outcome =
       run_tool({"print", "--file", file("lines", kFiveLines)}, {"--fault", "power-off@3"});
   EXPECT_EQ(outcome.status, 9) << outcome.errors;
+}
+
+TEST_F(Print, power_that_goes_while_the_cover_is_open_leaves_it_unconfirmed) {
+  use(Line::kSerial);
+  start_under_printer({"--fault", "cover@3"},
+                      tool({"print", "--file", file("lines", kFiveLines), "--wait", "30"}));
+  while (status().find("cover on") == std::string::npos) usleep(50'000);
+  constexpr useconds_t kSeveralLooks = 1'500'000;  // microseconds; of the monitor
+  usleep(kSeveralLooks);
+  ASSERT_TRUE(set("power-off", "on"));
+  usleep(kSeveralLooks);
+  ASSERT_TRUE(set("power-off", "off"));
+  ASSERT_TRUE(set("cover", "off"));
+  EXPECT_EQ(finish().status, 9);
 }
 
 TEST_F(Print, without_power_the_printer_does_not_answer) {
