@@ -64,12 +64,15 @@ inline Bmp random_bmp(int width, int height, int bits, std::string_view palette,
   return bmp;
 }
 
-/// Whether a 24- or 32-bit pixel prints black: the sum in extended precision, cut off once.
-inline bool black_by_extended_sum(unsigned b0, unsigned b1, unsigned b2) {
-  constexpr double kWeight0 = 0.114, kWeight1 = 0.587, kWeight2 = 0.299;
-  using Extended = long double;
-  return static_cast<int>(Extended(b0) * kWeight0 + Extended(b1) * kWeight1 +
-                          Extended(b2) * kWeight2) <= 127;
+/// Whether a 24- or 32-bit pixel prints black: the sum, cut off once. Extended precision has room
+/// for all 64 bits of it; here they are a whole number, the same on a machine that has no such
+/// precision.
+inline bool black_by_exact_sum(unsigned b0, unsigned b1, unsigned b2) {
+  // Each weight is a double, and a multiple of 2^-56.
+  constexpr auto kWeight0 = static_cast<std::uint64_t>(0.114 * 0x1p56);
+  constexpr auto kWeight1 = static_cast<std::uint64_t>(0.587 * 0x1p56);
+  constexpr auto kWeight2 = static_cast<std::uint64_t>(0.299 * 0x1p56);
+  return (b0 * kWeight0 + b1 * kWeight1 + b2 * kWeight2) >> 56 <= 127;
 }
 
 /// Whether a 16-bit pixel prints black: three products, each cut off by itself.
@@ -104,7 +107,7 @@ inline bool prints_black(const Bmp& bmp, int x, int y) {
       return black_by_three_products(byte(2 * x), byte(2 * x + 1));
     default: {
       const int at = bmp.bits / 8 * x;
-      return black_by_extended_sum(byte(at), byte(at + 1), byte(at + 2));
+      return black_by_exact_sum(byte(at), byte(at + 1), byte(at + 2));
     }
   }
 }

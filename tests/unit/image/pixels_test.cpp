@@ -41,7 +41,7 @@ TEST(Pixels, mid_grey_is_black) {
   EXPECT_TRUE(is_black_rgb(128, 128, 128));
 }
 
-TEST(Pixels, whole_numbers_decide_every_colour_as_the_extended_sum) {
+TEST(Pixels, whole_numbers_decide_every_colour_as_the_exact_sum) {
   int exact = 0;
   for (unsigned b0 = 0; b0 < 256; ++b0) {
     for (unsigned b1 = 0; b1 < 256; ++b1) {
@@ -49,8 +49,7 @@ TEST(Pixels, whole_numbers_decide_every_colour_as_the_extended_sum) {
         const bool black =
             is_black_rgb(static_cast<std::uint8_t>(b0), static_cast<std::uint8_t>(b1),
                          static_cast<std::uint8_t>(b2));
-        ASSERT_EQ(black, pictures::black_by_extended_sum(b0, b1, b2))
-            << b0 << ' ' << b1 << ' ' << b2;
+        ASSERT_EQ(black, pictures::black_by_exact_sum(b0, b1, b2)) << b0 << ' ' << b1 << ' ' << b2;
         if (114 * b0 + 587 * b1 + 299 * b2 != 128000) continue;
         ++exact;
         ASSERT_TRUE(black) << b0 << ' ' << b1 << ' ' << b2;
