@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
+#include <ostream>
 #include <thread>
 
 #include "support/exported_state.h"
@@ -40,6 +41,10 @@ struct LiveLink {
   std::unique_ptr<LivePrinter> (*make_printer)();
   const ExportedState& state;
 };
+
+void PrintTo(const LiveLink& link, std::ostream* out) {
+  *out << link.name;
+}
 
 class HandOver : public testing::TestWithParam<LiveLink> {
  protected:

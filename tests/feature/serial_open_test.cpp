@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 
 #include <cerrno>
+#include <ostream>
 
 #include "support/links.h"
 #include "tzvio.h"
@@ -160,6 +161,10 @@ struct FlagRow {
   const char* settings;
   tcflag_t control_set, control_clear, input_set, input_untouched;
 };
+
+void PrintTo(const FlagRow& row, std::ostream* out) {
+  *out << row.settings;
+}
 
 class SerialFlags : public SerialOpen, public testing::WithParamInterface<FlagRow> {};
 

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <ostream>
 
 #include "support/exported_state.h"
 #include "support/live_printer.h"
@@ -130,6 +131,10 @@ struct Loss {
   bool in_order;
   std::size_t at;  ///< of the job's bytes
 };
+
+void PrintTo(const Loss& loss, std::ostream* out) {
+  *out << loss.name;
+}
 
 class LossWithinReceipt : public Socket, public testing::WithParamInterface<Loss> {};
 

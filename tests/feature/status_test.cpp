@@ -1,6 +1,8 @@
 // The exchange at open, the sensor query, and what is answered from the flags.
 #include <gmock/gmock.h>
 
+#include <ostream>
+
 #include "support/links.h"
 #include "tzvio.h"
 
@@ -21,6 +23,10 @@ struct OpenRow {
   std::string cover_answer, paper_answer;
   long result;
 };
+
+void PrintTo(const OpenRow& row, std::ostream* out) {
+  *out << row.name;
+}
 
 class OpenStatus : public ScriptedTest,
                    public testing::WithParamInterface<std::tuple<Link, OpenRow>> {};
@@ -76,6 +82,10 @@ struct Wait {
   int64_t ready_ms;  ///< of an open whose printer answers at once
   int64_t mute_ms;   ///< of one whose printer does not
 };
+
+void PrintTo(const Wait& wait, std::ostream* out) {
+  *out << wait.link;
+}
 
 class OpenWait : public ScriptedTest, public testing::WithParamInterface<Wait> {};
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <random>
 #include <vector>
 
@@ -33,6 +34,10 @@ struct Packer {
   int bits;
   bool (*is_black)(const Row&, std::size_t x);
 };
+
+void PrintTo(const Packer& packer, std::ostream* out) {
+  *out << packer.name;
+}
 
 const Packer kPackers[] = {
     {"of_4_bits", 4,

@@ -26,6 +26,10 @@ struct Row {
   bool healthy;
 };
 
+void PrintTo(const Row& row, std::ostream* out) {
+  *out << row.name;
+}
+
 class Report : public testing::TestWithParam<Row> {};
 
 StatusFlags cover_open(int drawer) {
