@@ -26,7 +26,7 @@ class FaultPlan {
   std::size_t sweep() const { return kKindsWithPosition * positions_; }
 
  private:
-  std::size_t below(std::size_t limit) { return random_() % limit; }
+  std::size_t below(std::size_t limit) { return static_cast<std::size_t>(random_() % limit); }
   std::int64_t duration_of(FaultKind kind);
 
   std::mt19937_64 random_;

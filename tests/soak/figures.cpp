@@ -74,7 +74,7 @@ void report(const std::string& text) {
 
 std::size_t asked(const char* variable, std::size_t otherwise) {
   const char* const value = std::getenv(variable);
-  return value != nullptr && *value != 0 ? std::strtoull(value, nullptr, 10) : otherwise;
+  return value != nullptr && *value != 0 ? std::strtoul(value, nullptr, 10) : otherwise;
 }
 
 }  // namespace soak

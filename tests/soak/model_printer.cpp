@@ -295,7 +295,7 @@ void ModelPrinter::report() {
 void ModelPrinter::answer(std::string bytes, std::uint32_t job) {
   if (answers.lost) return;
   if (answers.garbled) {
-    char& spoilt = bytes[random_() % bytes.size()];
+    char& spoilt = bytes[static_cast<std::size_t>(random_() % bytes.size())];
     spoilt = static_cast<char>(spoilt ^ (1 << random_() % 8));
   }
   const std::int64_t late = answers.late_ms;
