@@ -82,16 +82,14 @@ fuzzers-%:
 	@tools/install-dependencies.sh fuzz
 	@cmake --preset $* >/dev/null
 	@cmake --build --preset $* --parallel $(JOBS)
+
 coverage:
 	@tools/install-dependencies.sh coverage
 	@cmake --preset coverage >/dev/null
 	@cmake --build --preset coverage --parallel $(JOBS)
 	@find build/coverage -name '*.gcda' -delete
 	@$(CTEST) --preset coverage
-	@gcovr --root . --filter src/ --object-directory build/coverage/src --exclude-throw-branches \
-	  --output build/coverage/report.txt
-	@gcovr --root . --filter src/ --object-directory build/coverage/src --exclude-throw-branches \
-	  --branches | tee -a build/coverage/report.txt
+	@tools/coverage.sh
 
 soak:
 	@tools/install-dependencies.sh test
