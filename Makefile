@@ -12,6 +12,7 @@
 #   make sanitize the same tests natively, under the sanitizers, and each fuzzer for some seconds
 #   make fuzz     each fuzzer in both widths for FUZZ_SECONDS (3600); TARGET=links chooses one
 #   make coverage which lines and branches of the library the tests run, in build/coverage/report.txt
+#   make valgrind the 32-bit tests under memcheck; build/valgrind/report.txt; PROGRAM=names chooses
 #   make soak     tens of thousands of receipts on every link while faults fall at random, and the
 #                 figures in build/soak/report.txt; then hundreds in real time on the virtual
 #                 printer, which is killed at times as well; SOAK_RECEIPTS=n, SOAK_PRINTER_RECEIPTS=n,
@@ -30,7 +31,8 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean soak soak-threads coverage FORCE
+.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean soak soak-threads coverage \
+  valgrind FORCE
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -82,6 +84,12 @@ fuzzers-%:
 	@tools/install-dependencies.sh fuzz
 	@cmake --preset $* >/dev/null
 	@cmake --build --preset $* --parallel $(JOBS)
+
+valgrind:
+	@tools/install-dependencies.sh valgrind
+	@cmake --preset i386 >/dev/null
+	@cmake --build --preset i386 --parallel $(JOBS)
+	@JOBS=$(JOBS) tools/valgrind.sh $(PROGRAM)
 
 coverage:
 	@tools/install-dependencies.sh coverage

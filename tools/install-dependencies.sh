@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what a make target needs on Debian 12, and says what. Does nothing when all is there.
-#   install-dependencies.sh demo|test|bench|fuzz|manual|package|coverage|lint
+#   install-dependencies.sh demo|test|bench|fuzz|manual|package|coverage|valgrind|lint
 set -eu
 
 build='g++-multilib gcc-multilib cmake ninja-build pkg-config'
@@ -25,8 +25,13 @@ case ${1-} in
       packages="$packages binutils-i686-linux-gnu libc6:i386 libgcc-s1:i386 libstdc++6:i386"
     ;;
   coverage) packages="$everything gcovr iproute2" ;;
+  valgrind)
+    packages="$everything iproute2 valgrind"
+    # Valgrind needs to know the 32-bit C library's own functions by name.
+    [ "$(dpkg --print-architecture)" != amd64 ] || packages="$packages libc6-dbg:i386"
+    ;;
   lint) packages="$everything clang-format clang-tidy" ;;
-  *) echo "usage: $0 demo|test|bench|fuzz|manual|package|coverage|lint" >&2 && exit 2 ;;
+  *) echo "usage: $0 demo|test|bench|fuzz|manual|package|coverage|valgrind|lint" >&2 && exit 2 ;;
 esac
 
 missing=''
