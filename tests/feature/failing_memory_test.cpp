@@ -115,5 +115,35 @@ TEST_P(FailingMemory, is_told_and_holds_nothing_back) {
   EXPECT_EQ(printer.output, whole);
 }
 
+class ClaimWithoutMemory : public EveryLink {};
+TZV_ON_EVERY_LINK(ClaimWithoutMemory);
+
+// A till that cannot watch its printer must not go on as if it could.
+TEST_P(ClaimWithoutMemory, ends_the_process_with_255) {
+  EXPECT_EXIT(
+      {
+        fail_memory(1);
+        ClaimDevice(port, 0);
+      },
+      testing::ExitedWithCode(255), "");
+}
+
+class NetWithoutMemory : public OnePrinter {
+ protected:
+  NetWithoutMemory() : OnePrinter("SOCKET:192.168.0.10") {}
+};
+
+// It counts as a send that failed, which takes 1 off what was sent.
+TEST_F(NetWithoutMemory, a_send_goes_on_a_byte_earlier) {
+  const char* const port = "SOCKET:192.168.0.10";
+  ASSERT_EQ(OpenPort(port, "9100"), 0);
+  forget();
+  kernel.shorten("send", 4);
+  fail_memory(1);
+  EXPECT_EQ(WritePort(port, "0123456789", 10), 4 - 1 + 10);
+  memory_calls();
+  EXPECT_THAT(printer.writes, testing::ElementsAre("0123", std::string("3456789\0\0\0", 10)));
+}
+
 }  // namespace
 }  // namespace testkit

@@ -59,6 +59,22 @@ TEST_P(LostJob, whose_write_fails_is_not_confirmed) {
   EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
 }
 
+// A line without a handshake refuses the rest, and a connection sends everything again.
+TEST_P(LostJob, of_which_the_printer_takes_only_a_part_is_not_confirmed) {
+  if (link.name == "serial" || link.name == "network") return;
+  claim_and_collect();
+  long taken = 0;
+  printer.take = [this, &taken](std::string_view bytes) {
+    const bool whole = bytes == kProcessIdRequest;
+    if (whole) printer.input += kProcessIdAnswer;
+    const long count = whole ? static_cast<long>(bytes.size()) : 4 - taken;
+    taken = 4;
+    return count;
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+  EXPECT_EQ(state.collected(), job);
+}
+
 TEST_P(LostJob, late_confirmation_does_not_take_it_away) {
   claim_and_collect();
   *state.bCoverOpen = 1;
@@ -81,6 +97,37 @@ TEST_P(LostJob, is_none_that_is_being_sent_when_another_port_is_closed) {
   for (const std::string& bytes : printer.writes) arrived += bytes;
   EXPECT_EQ(arrived.substr(0, job.size()), job);
   EXPECT_EQ(*state.PageSize, 0);
+}
+
+class SerialLostJob : public LostJob {
+ protected:
+  /// Opens the port with that flow control, sends a job behind which DSR falls for a moment, and
+  /// has the printer confirm it late.
+  void send_before_dsr_falls(const std::string& flow_control) {
+    ClosePort(port);
+    ASSERT_EQ(OpenPort(port, ("9600,none,8,1," + flow_control).c_str()), 0);
+    claim_and_collect();
+    printer.on_write = [this] {
+      if (printer.writes.size() > 1) return;
+      printer.modem_lines = 0;
+      kernel.at(kernel.now_ms() + 50, [this] { printer.modem_lines = TIOCM_DSR; });
+    };
+    EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+    kernel.run_for(1000);
+    printer.input += kProcessIdAnswer;
+    kernel.run_for(1000);
+  }
+};
+INSTANTIATE_TEST_SUITE_P(links, SerialLostJob, testing::Values(kLinks[0]));
+
+TEST_P(SerialLostJob, whose_printer_lowers_dsr_was_without_power) {
+  send_before_dsr_falls("none");
+  EXPECT_EQ(state.collected(), job);
+}
+
+TEST_P(SerialLostJob, is_none_whose_printer_lowers_dsr_to_hold_up_a_handshake) {
+  send_before_dsr_falls("hdwr");
+  EXPECT_EQ(state.collected(), "");
 }
 
 class ParallelLostJob : public LostJob {};

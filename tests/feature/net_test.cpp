@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <thread>
 
 #include "support/links.h"
 #include "tzvio.h"
@@ -461,6 +462,22 @@ TEST_F(NetMonitor, a_reprint_over_a_full_connection_ends_with_the_release) {
   EXPECT_EQ(kernel.calls().size(), 1U);
 }
 
+TEST_F(NetMonitor, a_reprint_over_a_full_connection_is_given_up_after_5_s) {
+  SetRePrintMode(kPort, 1);
+  ASSERT_EQ(CutPaper(kPort, 100), 0);
+  printer.take = [](std::string_view) {
+    errno = EAGAIN;
+    return -1L;
+  };
+  printer.input = std::string("\x14\x00\x00\x0f", 4);
+  // A cycle until the report is read, 3 s until the job is sent, and 5 s in vain.
+  kernel.run_for(500 + 3000 + 5000);
+  printer.take = nullptr;
+  kernel.run_for(1000);
+  EXPECT_EQ(printer.output, "");
+  EXPECT_EQ(kNetworkState.collected(), "\n\n\n\n\n\033i") << "it is still held";
+}
+
 TEST_F(NetMonitor, a_release_has_the_printer_report_and_takes_300_ms) {
   EXPECT_EQ(ReleaseDevice(kPort), 0);
   EXPECT_EQ(elapsed_ms(), 300);
@@ -502,6 +519,42 @@ TEST_F(Net, InitNET_failures_give_minus_1) {
   EXPECT_EQ(netPorts[0].set, 1) << "the port stays open";
   printer.connect = Connect::pending;
   EXPECT_EQ(WritePort(kPort, "hello", 5), 5) << "and the next write tries again";
+}
+
+TEST_F(Net, InitNET_of_a_port_that_is_closed_meanwhile_leaves_it_closed) {
+  open();
+  printer.connect = Connect::never;
+  kernel.at(kernel.now_ms() + 500, [this] {
+    ClosePort(kPort);
+    printer.connect = Connect::pending;
+  });
+  EXPECT_EQ(InitNET(kPort), -1);
+  EXPECT_EQ(GetError(kPort), -1);
+  EXPECT_EQ(kernel.open_descriptors(), 0U);
+}
+
+// Each keeps its descriptor for as long as somebody reads it; there is room for 120.
+TEST_F(Net, connections_that_are_given_up_while_they_are_read_run_out_without_harm) {
+  open();
+  kernel.plug(kSecondPort).connect = Connect::at_once;
+  kernel.at(10000, [] {});  // for which the reads wait
+  std::vector<std::thread> readers;
+  long result = 0;
+  while (result == 0 && readers.size() < 200) {
+    readers.emplace_back([] {
+      char byte;
+      EXPECT_EQ(ReadPort(kPort, &byte, 1), -1);
+    });
+    kernel.run_for(1);
+    result = InitNET(kPort);
+  }
+  EXPECT_EQ(result, -1);
+  EXPECT_EQ(readers.size(), 120U);
+  EXPECT_EQ(OpenPort(kSecondPort, "9100"), -1);
+  EXPECT_EQ(kernel.open_descriptors(), readers.size());
+  for (std::thread& reader : readers) reader.join();
+  EXPECT_EQ(kernel.open_descriptors(), 0U);
+  EXPECT_EQ(InitNET(kPort), 0) << "there is room again";
 }
 
 TEST_F(Net, InitNET_does_nothing_about_a_connection_that_comes_about_at_once) {

@@ -164,6 +164,23 @@ TEST_F(Unload, of_a_forked_child_disturbs_nothing) {
   munmap(std::exchange(flushes, nullptr), sizeof(int));
 }
 
+TEST_F(Unload, of_a_forked_child_ends_the_monitor_of_its_own_alone) {
+  ASSERT_EQ(call("OpenPort", "9600,none,8,1,none"), 0);
+  ASSERT_EQ(call("ClaimDevice", 0L), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    call("ClosePort");
+    // Which of the two processes gets the printer's answers is open.
+    call("OpenPort", "9600,none,8,1,none");
+    const long claimed = call("ClaimDevice", 0L);
+    std::exit(claimed == 0 ? 7 : 1);
+  }
+  EXPECT_EQ(wait_for(child), 7);
+  EXPECT_EQ(call("WritePort", "x", 1L), 1);
+  unload();
+  EXPECT_FALSE(is_mapped());
+}
+
 TEST_F(Unload, without_a_port_leaves_nothing_to_do) {
   unload();
   EXPECT_FALSE(is_mapped());

@@ -164,6 +164,12 @@ TEST(Confirmation, is_not_that_of_another_identifier_which_is_no_report_either) 
   EXPECT_EQ(sorted(foreign).reports, "");
 }
 
+TEST(Confirmation, is_not_looked_for_in_seven_bytes_that_only_begin_like_one) {
+  const std::string reports = "\x37\x22"s + "A" + kHealthy;
+  EXPECT_FALSE(sorted(reports).confirmed);
+  EXPECT_EQ(sorted(reports).reports, reports);
+}
+
 TEST(Confirmation, beside_reports_is_told_apart_from_them) {
   for (const std::string& received : {kHealthy + kAnswer, kAnswer + kHealthy}) {
     EXPECT_TRUE(sorted(received).confirmed);

@@ -1051,6 +1051,13 @@ TEST(Translate, columns_are_counted_whatever_the_settings) {
   }
 }
 
+TEST(Columns, of_an_earlier_call_are_carried_over_by_the_flag_1_alone) {
+  // The flag is the application's, too.
+  const LineColumns odd{.line_is_open = 2, .current = 7, .widest = 0};
+  expect_columns(translation("ab", kDefaults, odd).columns, {2, 7, 0});
+  expect_columns(translation("ab\n", kDefaults, odd).columns, {0, 0, 2});
+}
+
 // ------------------------------------------------------------------ long output
 
 TEST(LongOutput, fills_a_transaction_exactly) {
