@@ -135,7 +135,8 @@ bool bind_to(int listening, in_addr_t host, in_port_t number) {
 /// connection could get it.
 int listen_on(in_addr_t host, in_port_t& number) {
   constexpr int kFirst = 20000, kCount = 10000, kTries = 5000;
-  const int listening = socket(AF_INET, SOCK_STREAM, 0);
+  // What was waited for may have been another socket of the same number, by then closed.
+  const int listening = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
   const int on = 1;
   setsockopt(listening, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   const bool any = number == 0;
