@@ -195,6 +195,7 @@ TEST_F(Socket, hundreds_of_losses_leak_neither_descriptors_nor_threads) {
   const int descriptors = entries_of("/proc/self/fd");
   const int threads = entries_of("/proc/self/task");
   for (int loss = 0; loss < 300; ++loss) {
+    ASSERT_TRUE(wait_for(0)) << loss;  // a new monitor starts as offline
     printer.disappear();
     ASSERT_TRUE(wait_for(4)) << loss;
     printer.come_back();
