@@ -588,6 +588,16 @@ TEST_F(NetMonitor, NetStatusHandler_leaves_a_monitored_port_alone) {
   EXPECT_EQ(elapsed_ms(), 0);
 }
 
+TEST_F(NetMonitor, NetStatusHandler_monitors_a_port_whose_own_monitor_has_ended) {
+  ReleaseDevice(kPort);
+  kernel.run_for(700);
+  forget();
+  NStopIt = 1;
+  kernel.at(started_ms + 1400, [] { NStopIt = 0; });
+  EXPECT_EQ(NetStatusHandler(&netPorts[0]), nullptr);
+  EXPECT_EQ(elapsed_ms(), 1500) << "a cycle of 500 ms is gone on with";
+}
+
 // ------------------------------------------------------------------------ several printers
 
 class TwoPrinters : public NetMonitor {
