@@ -61,6 +61,8 @@ void send_collected(const Transport& transport, PortHandle port) {
 /// that came between, offline for a job that is lost, else 0: confirmed or given up.
 long wait_for_confirmation(const Transport& transport, PortHandle port) {
   const TransportState& state = transport.state;
+  // Refused or cut short: the state says why.
+  const bool incomplete = sent_job_is_lost(state);
   int polls = -1;
   int requests = 0;
   while (state.StopIt != 0) {
@@ -75,9 +77,12 @@ long wait_for_confirmation(const Transport& transport, PortHandle port) {
       pause_ms(kSettlePause);
       return kOk;
     }
+    const bool lost = sent_job_is_lost(state);
+    // Another code would say that the printer holds it.
+    if (lost && !incomplete) return kOffline;
     const long error = error_code(state);
     if (error != kOk) return error;
-    if (sent_job_is_lost(state)) return kOffline;
+    if (lost) return kOffline;
   }
   return kOk;
 }

@@ -165,6 +165,18 @@ TEST_P(NetworkLostJob, whose_connection_is_lost_with_a_repeated_request_is_not_c
   EXPECT_NE(state.collected(), "");
 }
 
+// The printer that comes back with an open cover does not hold it.
+TEST_P(NetworkLostJob, that_is_lost_before_the_cover_opens_gives_4) {
+  claim_and_collect();
+  printer.on_write = [this] {
+    if (printer.writes.size() != 2) return;
+    kernel.cut(link.port, ECONNRESET);
+    kernel.plug_back(link.port);
+    printer.input = kCoverOpen;
+  };
+  EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
+}
+
 TEST_P(NetworkLostJob, that_is_cut_off_while_it_is_sent_goes_out_again_and_is_confirmed) {
   claim_and_collect();
   printer.on_write = [this] {

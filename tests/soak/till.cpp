@@ -8,8 +8,9 @@ namespace {
 
 constexpr int kAttempts = 10;
 constexpr int kFirstDescriptor = 700;
-constexpr std::int64_t kLook = 100;        // milliseconds
-constexpr std::int64_t kPatience = 30000;  // milliseconds
+constexpr std::int64_t kWriteGivesUp = 5000;  // milliseconds
+constexpr std::int64_t kLook = 100;           // milliseconds
+constexpr std::int64_t kPatience = 30000;     // milliseconds
 // Longer than any answer is late.
 constexpr std::int64_t kRest = 12000;  // milliseconds
 
@@ -88,8 +89,11 @@ long Till::transaction(std::uint32_t number) {
   CutPaper(port_, 100);
   // In an error state nothing would be sent, and the result would be as of a job that is held.
   if (GetError(port_) != TZV_STATUS_OK) wait_until_ready();
-  lost_memory_ = false;
-  return TransactionPrint(port_, TZV_TRANSACTION_END);
+  const std::int64_t began = kernel_.now_ms();
+  const long result = TransactionPrint(port_, TZV_TRANSACTION_END);
+  // A write that finds no taker for so long is given up: a part is missing.
+  lost_memory_ = kernel_.now_ms() - began >= kWriteGivesUp;
+  return result;
 }
 
 // ------------------------------------------------------------------------------------ waiting
