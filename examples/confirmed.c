@@ -72,10 +72,13 @@ static long confirm_what_was_sent(const char* port) {
 }
 
 long print_confirmed(const char* port, long (*print)(const char* port)) {
+  const struct timespec monitor_has_looked = {1, 0};
   int sent = 0;
   long result = print_once(port, print, &sent);
   for (int attempt = 1; result != 0 && result != TZV_FAILED && attempt < kAttempts; ++attempt) {
     printf("not confirmed: %ld, %s\n", result, in_words(result));
+    /* The monitor looks twice a second: what the end has met it may not have seen yet. */
+    if (result == TZV_STATUS_OFFLINE) nanosleep(&monitor_has_looked, NULL);
     if (wait_until_ready(port, result) && sent) {
       /* The printer held what it had received and prints on: ask, rather than print it twice. */
       result = confirm_what_was_sent(port);

@@ -15,8 +15,12 @@
 namespace soak {
 namespace {
 
-constexpr std::size_t kPoints = 5;     // at which the process is measured
+constexpr std::size_t kPoints = 5;  // at which the process is measured
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::size_t kGrowth = SIZE_MAX / 2;  // the sanitizers keep what was freed
+#else
 constexpr std::size_t kGrowth = 1024;  // KiB that the run's own accounts may take
+#endif
 
 struct Line {
   std::string name;

@@ -8,9 +8,10 @@ namespace {
 
 constexpr int kAttempts = 10;
 constexpr int kFirstDescriptor = 700;
-constexpr std::int64_t kWriteGivesUp = 5000;  // milliseconds
-constexpr std::int64_t kLook = 100;           // milliseconds
-constexpr std::int64_t kPatience = 30000;     // milliseconds
+constexpr std::int64_t kMonitorHasLooked = 1000;  // milliseconds
+constexpr std::int64_t kWriteGivesUp = 5000;      // milliseconds
+constexpr std::int64_t kLook = 100;               // milliseconds
+constexpr std::int64_t kPatience = 30000;         // milliseconds
 // Longer than any answer is late.
 constexpr std::int64_t kRest = 12000;  // milliseconds
 
@@ -73,6 +74,8 @@ bool Till::confirm(const Fault& fault, bool patient) {
     expectations_[number].most = 1 + printer_.reconnections();
     // What is spoilt for the whole receipt would be so for ever.
     if (attempt == 1) end_faults(printer_);
+    // The monitor may not have seen yet what the end has met.
+    kernel_.run_for(kMonitorHasLooked);
     rest(patient);
     wait_until_ready();
   }
@@ -104,6 +107,8 @@ void Till::rest(bool patient) {
 
 void Till::wait_until_ready() {
   if (wait_for_ready(kPatience)) return;
+  // What is spoilt for the whole receipt would be so for ever.
+  end_faults(printer_);
   // A report that was spoilt on its way stays as it was read until there is another.
   ++tally_.claimed_anew;
   ReleaseDevice(port_);
@@ -153,7 +158,7 @@ void Till::check_confirmed(std::uint32_t number, const Fault& fault) {
   } else if (printer_.lost_memory() && !shows_power_) {
     ++tally_.memory_lost;
     expectations_[number] = {.least = 0, .most = 0};
-  } else if (printer_.swallowed() && link_.name == "serial") {
+  } else if (printer_.swallowed()) {
     ++tally_.torn_command;
     expectations_[number] = {.least = 0, .most = 0};
   } else {
