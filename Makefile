@@ -31,8 +31,8 @@ CTEST := ctest --parallel $(JOBS) --repeat until-pass:2
 all: build/i386/libTZVIO.so.0
 
 # ninja decides what is out of date.
-.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean soak soak-threads coverage \
-  valgrind FORCE
+.PHONY: all demo test bench manual package sanitize fuzz fuzz-briefly format lint clean FORCE \
+  soak soak-threads coverage valgrind
 build/i386/libTZVIO.so.0: FORCE
 	@tools/install-dependencies.sh test
 	@cmake --preset i386 >/dev/null
@@ -104,6 +104,7 @@ soak:
 	@cmake --preset native >/dev/null
 	@cmake --build --preset native --parallel $(JOBS) --target soak
 	@tools/soak.sh
+
 soak-threads:
 	@tools/install-dependencies.sh test
 	@cmake --preset tsan >/dev/null

@@ -59,11 +59,17 @@ void store_sensors(const TransportState& state, int sensor) {
   state.bSensor3 = sensor == 3;
 }
 
+/// Keeps a monitor that runs off the line.
+std::optional<Exchange> exchange_beside_monitor(const TransportState& state) {
+  return state.StopIt != 0 ? std::optional<Exchange>(std::in_place, state) : std::nullopt;
+}
+
 enum class Asked { answered_or_silent, nothing_sent, malformed };
 
 /// Asks the printer for its sensors and stores what it says.
 Asked ask_sensors(const Transport& transport, PortHandle port) {
   const TransportState& state = transport.state;
+  const auto exchange = exchange_beside_monitor(state);
   store_sensors(state, 0);
   const std::string_view query(state.GetSensor, strnlen(state.GetSensor, sizeof state.GetSensor));
   for (int attempt = 0; attempt < kSensorAttempts; ++attempt) {
@@ -79,11 +85,6 @@ Asked ask_sensors(const Transport& transport, PortHandle port) {
     break;
   }
   return Asked::answered_or_silent;
-}
-
-/// Keeps a monitor that runs off the line.
-std::optional<Exchange> exchange_beside_monitor(const TransportState& state) {
-  return state.StopIt != 0 ? std::optional<Exchange>(std::in_place, state) : std::nullopt;
 }
 
 /// The code of the sensor that reports; 0 when none does.
@@ -128,11 +129,7 @@ long get_printer_status(const Transport& transport, const char* portName) {
   const TransportState& state = transport.state;
   const long known_error = error_code(state);
   if (state.StopIt != 0 && known_error != kOk) return known_error;
-  Asked asked;
-  {
-    const auto exchange = exchange_beside_monitor(state);
-    asked = ask_sensors(transport, port);
-  }
+  const Asked asked = ask_sensors(transport, port);
   if (asked == Asked::nothing_sent) return kOk;
   return asked == Asked::malformed ? kFailed : code_by_priority(state);
 }

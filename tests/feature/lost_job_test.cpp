@@ -4,6 +4,7 @@
 #include <sys/ioctl.h>
 
 #include <cerrno>
+#include <functional>
 
 #include "support/links.h"
 #include "tzvio.h"
@@ -50,8 +51,11 @@ TEST_P(LostJob, refused_in_an_error_state_gives_its_code) {
 }
 
 // A parallel port's failed write is tried again, and a connection's is sent again.
-TEST_P(LostJob, whose_write_fails_is_not_confirmed) {
-  if (link.name == "parallel" || link.name == "network") return;
+class LostJobOfFailedWrite : public LostJob {};
+INSTANTIATE_TEST_SUITE_P(links, LostJobOfFailedWrite, testing::Values(kLinks[0], kLinks[2]),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_P(LostJobOfFailedWrite, is_not_confirmed) {
   claim_and_collect();
   printer.confirm_jobs();
   kernel.fail("write", EIO);
@@ -60,8 +64,11 @@ TEST_P(LostJob, whose_write_fails_is_not_confirmed) {
 }
 
 // A line without a handshake refuses the rest, and a connection sends everything again.
-TEST_P(LostJob, of_which_the_printer_takes_only_a_part_is_not_confirmed) {
-  if (link.name == "serial" || link.name == "network") return;
+class LostJobCutShort : public LostJob {};
+INSTANTIATE_TEST_SUITE_P(links, LostJobCutShort, testing::Values(kLinks[1], kLinks[2]),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_P(LostJobCutShort, is_not_confirmed) {
   claim_and_collect();
   long taken = 0;
   printer.take = [this, &taken](std::string_view bytes) {
@@ -90,7 +97,7 @@ TEST_P(LostJob, is_none_that_is_being_sent_when_another_port_is_closed) {
   ASSERT_EQ(OpenPort(link.second_port.c_str(), link.settings.c_str()), 0);
   claim_and_collect();
   printer.confirm_jobs();
-  if (link.name != "network") kernel.shorten("write", 4);
+  kernel.shorten("write", 4);
   printer.on_write = [this] { ClosePort(link.second_port.c_str()); };
   EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
   std::string arrived;
@@ -149,18 +156,24 @@ TEST_P(ParallelLostJob, whose_printer_loses_its_power_while_it_is_sent_is_not_co
   EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
 }
 
-class NetworkLostJob : public LostJob {};
+class NetworkLostJob : public LostJob {
+ protected:
+  /// The connection is lost behind the nth write; the printer is then as `comes_back` leaves it.
+  void cut_behind_write(std::size_t nth, std::function<void()> comes_back) {
+    printer.on_write = [this, nth, comes_back] {
+      if (printer.writes.size() != nth) return;
+      kernel.cut(link.port, ECONNRESET);
+      kernel.plug_back(link.port);
+      comes_back();
+    };
+  }
+};
 INSTANTIATE_TEST_SUITE_P(links, NetworkLostJob, testing::Values(kLinks[3]));
 
 // The new connection's printer may be one that has been switched on again.
 TEST_P(NetworkLostJob, whose_connection_is_lost_with_a_repeated_request_is_not_confirmed) {
   claim_and_collect();
-  printer.on_write = [this] {
-    if (printer.writes.size() != 2) return;
-    kernel.cut(link.port, ECONNRESET);
-    kernel.plug_back(link.port);
-    printer.confirm_jobs();
-  };
+  cut_behind_write(2, [this] { printer.confirm_jobs(); });
   EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
   EXPECT_NE(state.collected(), "");
 }
@@ -168,23 +181,13 @@ TEST_P(NetworkLostJob, whose_connection_is_lost_with_a_repeated_request_is_not_c
 // The printer that comes back with an open cover does not hold it.
 TEST_P(NetworkLostJob, that_is_lost_before_the_cover_opens_gives_4) {
   claim_and_collect();
-  printer.on_write = [this] {
-    if (printer.writes.size() != 2) return;
-    kernel.cut(link.port, ECONNRESET);
-    kernel.plug_back(link.port);
-    printer.input = kCoverOpen;
-  };
+  cut_behind_write(2, [this] { printer.input = kCoverOpen; });
   EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 4);
 }
 
 TEST_P(NetworkLostJob, that_is_cut_off_while_it_is_sent_goes_out_again_and_is_confirmed) {
   claim_and_collect();
-  printer.on_write = [this] {
-    if (printer.writes.size() != 1) return;
-    kernel.cut(link.port, ECONNRESET);
-    kernel.plug_back(link.port);
-    printer.confirm_jobs();
-  };
+  cut_behind_write(1, [this] { printer.confirm_jobs(); });
   EXPECT_EQ(TransactionPrint(port, TZV_TRANSACTION_END), 0);
   EXPECT_THAT(printer.writes, ElementsAre(job, "LINK\n", kEnableReports, job));
 }
