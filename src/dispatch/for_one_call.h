@@ -22,9 +22,8 @@ inline Bytes allocate(std::size_t size) {
   return Bytes(static_cast<std::uint8_t*>(std::malloc(size)));
 }
 
-/// The same, all zero; what is not written costs nothing.
+/// The same, all zero; what is not written costs nothing. The caller has bounded the size.
 inline Bytes allocate_zeroed(std::size_t size) {
-  if (size > kLargestBlock) return nullptr;
   return Bytes(static_cast<std::uint8_t*>(std::calloc(size, 1)));
 }
 

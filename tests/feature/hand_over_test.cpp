@@ -22,9 +22,6 @@ namespace {
 
 constexpr int kSpeed = 6;
 
-const std::string kEnableReports = "\x1d\x61\xff";
-const std::string kHealthy("\x14\x00\x00\x0f", 4);
-
 // The variables as another thread may look at them while the library runs.
 template <typename Integer>
 Integer value_of(Integer& variable) {

@@ -14,9 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 
-const std::string kEnableReports = "\x1d\x61\xff";
-const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
-
 class LostJob : public EveryLink {
  protected:
   /// A monitor that looks every 10 ms, and a job of a cut.
@@ -159,7 +156,7 @@ TEST_P(ParallelLostJob, whose_printer_loses_its_power_while_it_is_sent_is_not_co
 class NetworkLostJob : public LostJob {
  protected:
   /// The connection is lost behind the nth write; the printer is then as `comes_back` leaves it.
-  void cut_behind_write(std::size_t nth, std::function<void()> comes_back) {
+  void cut_behind_write(std::size_t nth, const std::function<void()>& comes_back) {
     printer.on_write = [this, nth, comes_back] {
       if (printer.writes.size() != nth) return;
       kernel.cut(link.port, ECONNRESET);

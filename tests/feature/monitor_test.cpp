@@ -13,10 +13,6 @@ namespace {
 
 using testing::ElementsAre;
 
-const std::string kEnableReports = "\x1d\x61\xff";
-const std::string kHealthy("\x14\x00\x00\x0f", 4);
-const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
-
 class MonitorTest : public EveryLink {
  protected:
   void claim() {

@@ -16,8 +16,6 @@ using Connect = Device::Connect;
 
 constexpr char kPort[] = "SOCKET:192.168.0.10";
 constexpr char kSecondPort[] = "SOCKET:192.168.0.11";
-const std::string kEnableReports = "\x1d\x61\xff";
-const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
 const std::string kDiagnostic = "LINK\n";
 
 class Net : public OnePrinter {
@@ -439,7 +437,7 @@ TEST_F(NetMonitor, power_off_without_a_loss_of_its_own_connects_anew) {
 TEST_F(NetMonitor, a_loss_while_a_reprint_waits_ends_it) {
   SetRePrintMode(kPort, 1);
   CutPaper(kPort, 100);
-  printer.input = std::string("\x14\x00\x00\x0f", 4);
+  printer.input = kHealthy;
   kernel.run_for(500 + 3000 + 200);
   EXPECT_EQ(printer.output, "\n\n\n\n\n\033i");
   kernel.cut(kPort, ECONNRESET);
@@ -453,7 +451,7 @@ TEST_F(NetMonitor, a_reprint_over_a_full_connection_ends_with_the_release) {
   SetRePrintMode(kPort, 1);
   CutPaper(kPort, 100);
   for (int nth = 1; nth <= 1000; ++nth) kernel.fail("send", EAGAIN, nth);
-  printer.input = std::string("\x14\x00\x00\x0f", 4);
+  printer.input = kHealthy;
   kernel.run_for(500 + 3000 + 200);
   ReleaseDevice(kPort);
   kernel.run_for(1000);
@@ -469,7 +467,7 @@ TEST_F(NetMonitor, a_reprint_over_a_full_connection_is_given_up_after_5_s) {
     errno = EAGAIN;
     return -1L;
   };
-  printer.input = std::string("\x14\x00\x00\x0f", 4);
+  printer.input = kHealthy;
   // A cycle until the report is read, 3 s until the job is sent, and 5 s in vain.
   kernel.run_for(500 + 3000 + 5000);
   printer.take = nullptr;
@@ -638,7 +636,7 @@ TEST_F(TwoPrinters, the_lost_one_is_connected_anew_by_its_own_write) {
   kernel.run_for(1000);
   kernel.plug_back(kPort);
   // The other's report has cleared the flags, which they share.
-  second.input = std::string("\x14\x00\x00\x0f", 4);
+  second.input = kHealthy;
   kernel.run_for(1000);
   EXPECT_EQ(n_bPowerOFF, 0);
   forget();

@@ -13,7 +13,6 @@ using testing::Contains;
 using testing::ElementsAre;
 
 constexpr char kPort[] = "/dev/parport0";
-const std::string kHealthy("\x14\x00\x00\x0f", 4);
 
 // Status lines.
 constexpr unsigned char kNoError = 0x08;
@@ -252,7 +251,7 @@ TEST_F(ParallelMonitor, a_refused_nibble_mode_is_power_off_until_it_is_granted) 
   printer.has_nibble_mode = true;
   kernel.run_for(620);
   EXPECT_EQ(GetError(kPort), 0);
-  EXPECT_EQ(printer.output, "\x1d\x61\xff") << "the reports are enabled again";
+  EXPECT_EQ(printer.output, kEnableReports) << "the reports are enabled again";
   EXPECT_EQ(WritePort(kPort, "x", 1), 1);
 }
 

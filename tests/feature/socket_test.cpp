@@ -15,8 +15,6 @@
 namespace testkit {
 namespace {
 
-const std::string kEnableReports = "\x1d\x61\xff";
-const std::string kHealthy("\x14\x00\x00\x0f", 4);
 const std::string kReceipt = "one line\nand another\n";
 /// What the library sends before and after the text of a transaction.
 const std::string kBeforeReceipt =

@@ -133,7 +133,7 @@ TEST_P(Transaction, the_monitor_ending_ends_the_wait) {
 // The monitor keeps polling fast, so that the end of the error state is seen at once. A jam is
 // offline too until the monitor's next cycle, so its code depends on who looks first.
 TEST_P(Transaction, an_error_state_ends_the_wait_with_its_code_and_leaves_the_fast_poll_on) {
-  const std::pair<std::string, long> reports[] = {{std::string("\x3c\x00\x00\x0f", 4), 1},
+  const std::pair<std::string, long> reports[] = {{kCoverOpen, 1},
                                                   {std::string("\x1c\x00\x0c\x0f", 4), 2},
                                                   {std::string("\x14\x08\x00\x0f", 4), 16}};
   claim();
@@ -145,7 +145,7 @@ TEST_P(Transaction, an_error_state_ends_the_wait_with_its_code_and_leaves_the_fa
     EXPECT_TRUE(result == code || (code == 16 && result == 4)) << result;
     EXPECT_EQ(*state.bSleepFlag, 1);
     EXPECT_EQ(*state.TransactionPrint, 0);
-    printer.input = std::string("\x14\x00\x00\x0f", 4);
+    printer.input = kHealthy;
     kernel.run_for(1100);
     ASSERT_EQ(GetError(port), 0);
   }

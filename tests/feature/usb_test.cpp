@@ -12,8 +12,6 @@ namespace {
 using testing::ElementsAre;
 
 constexpr char kPort[] = "/dev/usb/lp0";
-const std::string kEnableReports = "\x1d\x61\xff";
-const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
 
 class Usb : public OnePrinter {
  protected:
@@ -331,7 +329,7 @@ TEST_F(UsbMonitor, a_node_reopened_with_a_number_too_high_is_tried_again) {
 TEST_F(UsbMonitor, a_plug_pulled_while_a_reprint_waits_is_reopened) {
   SetRePrintMode(kPort, 1);
   CutPaper(kPort, 100);
-  printer.input = std::string("\x14\x00\x00\x0f", 4);
+  printer.input = kHealthy;
   kernel.run_for(500 + 3000 + 200);
   kernel.cut(kPort, ENODEV);
   kernel.run_for(3000);

@@ -42,7 +42,7 @@ struct LinkUnderLoad {
 
 void teach(testkit::LivePrinter& printer) {
   using namespace std::string_literals;
-  printer.answer("\x1d\x61\xff", "\x14\x00\x00\x0f"s);
+  printer.answer(testkit::kEnableReports, testkit::kHealthy);
   printer.answer(testkit::kProcessIdRequest, testkit::kProcessIdAnswer);
   printer.answer("\035ID", "_ABCDEFGV1.23");
   printer.answer("\035IC", "_AB-123");
@@ -165,7 +165,7 @@ void Concurrency::come_and_go() {
 /// A report now and then ends every read that waits for an answer which another has got.
 void Concurrency::speak() {
   for (const LinkUnderLoad& link : links) {
-    for (const Port& port : link.ports) port.printer->say({"\x14\x00\x00\x0f", 4});
+    for (const Port& port : link.ports) port.printer->say(testkit::kHealthy);
   }
   doze(25);
 }

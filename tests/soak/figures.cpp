@@ -77,4 +77,9 @@ std::size_t asked(const char* variable, std::size_t otherwise) {
   return value != nullptr && *value != 0 ? std::strtoul(value, nullptr, 10) : otherwise;
 }
 
+bool is_chosen(const std::string& link) {
+  const char* const only = std::getenv("LINK");
+  return only == nullptr || link.starts_with(only);
+}
+
 }  // namespace soak

@@ -40,4 +40,7 @@ void report(const std::string& text);
 /// A number from the environment; `otherwise` when there is none.
 std::size_t asked(const char* variable, std::size_t otherwise);
 
+/// Whether LINK in the environment leaves that one in: all, or those whose names begin so.
+bool is_chosen(const std::string& link);
+
 }  // namespace soak

@@ -39,13 +39,13 @@ std::size_t length_of(std::string_view command) {
 std::string report_of(Condition condition) {
   switch (condition) {
     case Condition::cover_open:
-      return {"\x3c\x00\x00\x0f", 4};
+      return testkit::kCoverOpen;
     case Condition::paper_out:
       return {"\x1c\x00\x0c\x0f", 4};
     case Condition::jam:
       return {"\x1c\x08\x00\x0f", 4};
     default:
-      return {"\x14\x00\x00\x0f", 4};
+      return testkit::kHealthy;
   }
 }
 
@@ -129,7 +129,7 @@ long ModelPrinter::taken(std::size_t count, std::size_t offered) {
 
 /// What a printer obeys on arrival, whatever waits to be printed.
 bool ModelPrinter::obey_at_once(std::string_view bytes) {
-  if (bytes == "\x1d\x61\xff"sv) {
+  if (bytes == testkit::kEnableReports) {
     reports_ = true;
     report();
     return true;

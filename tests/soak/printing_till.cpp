@@ -9,6 +9,7 @@
 // "abandoned" and "unopened" say that this was in vain.
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -16,7 +17,7 @@
 #include <string>
 #include <thread>
 
-#include "soak/receipts.h"
+#include "soak/receipt_job.h"
 #include "tzvio.h"
 
 namespace soak {
@@ -29,12 +30,6 @@ constexpr int kAttempts = 20;
 constexpr milliseconds kLook{20};
 constexpr milliseconds kPatience{8000};
 constexpr milliseconds kPause{500};
-
-// For a while after such a result, the printer holds what it has received.
-bool keeps_data(long result) {
-  return result == TZV_STATUS_COVER_OPEN || result == TZV_STATUS_PAPER_EMPTY ||
-         result == TZV_STATUS_CUTTER_JAM;
-}
 
 void say(const char* what, std::uint32_t number = 0, long result = 0, milliseconds took = {}) {
   std::printf("%s %u %ld %lld\n", what, static_cast<unsigned>(number), result,
@@ -56,9 +51,7 @@ class Till {
   void print_receipt(milliseconds rest);
 
  private:
-  void collect(std::uint32_t number) const;
   long transaction(std::uint32_t number);
-  long ask_again() const;
   void open_anew();
   void wait_until_ready();
   bool is_ready_in_time();
@@ -67,7 +60,7 @@ class Till {
   const char* settings_;
   std::uint32_t next_ = 0;
   bool opened_anew_ = false;
-  bool lost_memory_ = false;  // perhaps, as was seen while waiting
+  bool lost_memory_ = false;  // perhaps
   milliseconds end_took_{};   // of the last transaction
 };
 
@@ -91,45 +84,32 @@ void Till::print_receipt(milliseconds rest) {
       wait_until_ready();
       // The printer has held what it had received, unless its power has gone meanwhile.
       if (!lost_memory_) {
-        result = ask_again();
+        result = ask_again(port_);
         say("asked", number, result);
       }
     }
     if (result == 0) return say("done", number);
     if (failed_before && result == TZV_STATUS_OFFLINE) open_anew();
     failed_before = true;
-    std::this_thread::sleep_for(rest);
+    std::this_thread::sleep_for(std::max(milliseconds(kMonitorHasLooked), rest));
     wait_until_ready();
   }
   say("abandoned");
 }
 
-void Till::collect(std::uint32_t number) const {
-  std::string text;
-  for (const std::string& line : lines_of(number)) text += line + '\n';
-  TransactionPrint(port_, TZV_TRANSACTION_BEGIN);
-  PrintNormal(port_, text.c_str());
-  CutPaper(port_, 100);
-}
-
 long Till::transaction(std::uint32_t number) {
   do {
     opened_anew_ = false;
-    collect(number);
+    collect(port_, number);
     // In an error state nothing would be sent, and the result would be as of a job that is held.
     if (GetError(port_) != TZV_STATUS_OK) wait_until_ready();
     // What was collected goes when the port is closed.
   } while (opened_anew_);
-  lost_memory_ = false;
   const Clock::time_point start = Clock::now();
   const long result = TransactionPrint(port_, TZV_TRANSACTION_END);
   end_took_ = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+  lost_memory_ = end_took_ >= milliseconds(kWriteGivesUp);
   return result;
-}
-
-long Till::ask_again() const {
-  TransactionPrint(port_, TZV_TRANSACTION_BEGIN);
-  return TransactionPrint(port_, TZV_TRANSACTION_END);
 }
 
 void Till::open_anew() {
@@ -150,7 +130,7 @@ bool Till::is_ready_in_time() {
   const Clock::time_point deadline = Clock::now() + kPatience;
   for (int looks = 1; Clock::now() < deadline; ++looks) {
     const long code = GetError(port_);
-    if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) return true;
+    if (is_ready(code)) return true;
     lost_memory_ = lost_memory_ || code == TZV_STATUS_OFFLINE;
     std::this_thread::sleep_for(kLook);
     // Any write makes a lost connection anew, even one of nothing.

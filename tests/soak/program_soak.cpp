@@ -6,6 +6,7 @@
 #include <sstream>
 #include <utility>
 
+#include "soak/receipt_job.h"
 #include "tzvio.h"
 
 namespace soak {
@@ -309,10 +310,7 @@ void ProgramSoak::check_result(std::uint32_t number, long result) {
   if (result == 0) return check_confirmed(number);
   stale_answers_ = true;
   if (result == TZV_STATUS_OFFLINE) return;
-  const bool tells_a_condition = result == TZV_STATUS_COVER_OPEN ||
-                                 result == TZV_STATUS_PAPER_EMPTY ||
-                                 result == TZV_STATUS_CUTTER_JAM;
-  if (!tells_a_condition) {
+  if (!keeps_data(result)) {
     violation("result " + std::to_string(result), number);
   } else if (!contains(conditions_seen_, condition_told_by(result))) {
     if (fault_.kind == FaultKind::split || fault_.kind == FaultKind::garbled) {

@@ -39,10 +39,9 @@ std::vector<Line> lines() {
 }
 
 std::vector<std::unique_ptr<ProgramSoak>> chosen(const std::filesystem::path& folder) {
-  const char* const only = std::getenv("LINK");
   std::vector<std::unique_ptr<ProgramSoak>> soaks;
   for (const Line& line : lines()) {
-    if (only != nullptr && line.name.find(only) != 0) continue;
+    if (!is_chosen(line.name)) continue;
     soaks.push_back(std::make_unique<ProgramSoak>(
         line, folder, asked("SOAK_PRINTER_RECEIPTS", kReceipts), asked("SEED", 1) + soaks.size()));
   }

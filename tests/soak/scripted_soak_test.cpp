@@ -4,7 +4,6 @@
 // SOAK_RECEIPTS, SEED and LINK in the environment choose how many, which faults and which link.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 
 #include "../../tools/tzvio/progress_bar.h"
@@ -51,8 +50,7 @@ std::vector<Line> lines() {
 class ScriptedSoak : public testkit::ScriptedTest, public testing::WithParamInterface<Line> {
  protected:
   void SetUp() override {
-    const char* only = std::getenv("LINK");
-    if (only != nullptr && *only != 0 && line.name.find(only) != 0) GTEST_SKIP() << "LINK=" << only;
+    if (!is_chosen(line.name)) GTEST_SKIP() << "LINK leaves it out";
     kernel.log_calls(false);
     ASSERT_TRUE(till.open());
   }
@@ -77,11 +75,10 @@ INSTANTIATE_TEST_SUITE_P(over, ScriptedSoak, testing::ValuesIn(lines()),
 
 void ScriptedSoak::run() {
   cli::ProgressBar bar(receipts, false);
+  const std::size_t first = receipts / 10, step = (receipts + kPoints - 1) / kPoints;
   for (std::size_t printed = 0; printed < receipts; ++printed) {
     // The first tenth fills what is filled once.
-    if (printed >= receipts / 10 && (printed - receipts / 10) % (receipts / kPoints) == 0) {
-      measure_after(printed);
-    }
+    if (printed >= first && (printed - first) % step == 0) measure_after(printed);
     till.print_receipt(plan.next(), random() % 4 != 0);
     if (random() % 200 == 0) {
       till.close();

@@ -1,5 +1,6 @@
 #include "soak/till.h"
 
+#include "soak/receipt_job.h"
 #include "tzvio.h"
 
 namespace soak {
@@ -8,17 +9,10 @@ namespace {
 
 constexpr int kAttempts = 10;
 constexpr int kFirstDescriptor = 700;
-constexpr std::int64_t kMonitorHasLooked = 1000;  // milliseconds
-constexpr std::int64_t kWriteGivesUp = 5000;      // milliseconds
-constexpr std::int64_t kLook = 100;               // milliseconds
-constexpr std::int64_t kPatience = 30000;         // milliseconds
+constexpr std::int64_t kLook = 100;        // milliseconds
+constexpr std::int64_t kPatience = 30000;  // milliseconds
 // Longer than any answer is late.
 constexpr std::int64_t kRest = 12000;  // milliseconds
-
-bool keeps_data(long result) {
-  return result == TZV_STATUS_COVER_OPEN || result == TZV_STATUS_PAPER_EMPTY ||
-         result == TZV_STATUS_CUTTER_JAM;
-}
 
 Condition told_by(long result) {
   if (result == TZV_STATUS_COVER_OPEN) return Condition::cover_open;
@@ -61,8 +55,7 @@ bool Till::confirm(const Fault& fault, bool patient) {
       wait_until_ready();
       // The printer has held what it had received, unless its power has gone meanwhile.
       if (!lost_memory_) {
-        TransactionPrint(port_, TZV_TRANSACTION_BEGIN);
-        result = TransactionPrint(port_, TZV_TRANSACTION_END);
+        result = ask_again(port_);
         tally_.asked_again += result == 0;
       }
     }
@@ -74,7 +67,6 @@ bool Till::confirm(const Fault& fault, bool patient) {
     expectations_[number].most = 1 + printer_.reconnections();
     // What is spoilt for the whole receipt would be so for ever.
     if (attempt == 1) end_faults(printer_);
-    // The monitor may not have seen yet what the end has met.
     kernel_.run_for(kMonitorHasLooked);
     rest(patient);
     wait_until_ready();
@@ -85,16 +77,11 @@ bool Till::confirm(const Fault& fault, bool patient) {
 long Till::transaction(std::uint32_t number) {
   ++tally_.transactions;
   printer_.begin_job();
-  std::string text;
-  for (const std::string& line : lines_of(number)) text += line + '\n';
-  TransactionPrint(port_, TZV_TRANSACTION_BEGIN);
-  PrintNormal(port_, text.c_str());
-  CutPaper(port_, 100);
+  collect(port_, number);
   // In an error state nothing would be sent, and the result would be as of a job that is held.
   if (GetError(port_) != TZV_STATUS_OK) wait_until_ready();
   const std::int64_t began = kernel_.now_ms();
   const long result = TransactionPrint(port_, TZV_TRANSACTION_END);
-  // A write that finds no taker for so long is given up: a part is missing.
   lost_memory_ = kernel_.now_ms() - began >= kWriteGivesUp;
   return result;
 }
@@ -121,7 +108,7 @@ bool Till::wait_for_ready(std::int64_t patience_ms) {
   const std::int64_t deadline = kernel_.now_ms() + patience_ms;
   for (int looks = 1; kernel_.now_ms() < deadline; ++looks) {
     const long code = GetError(port_);
-    if (code == TZV_STATUS_OK || code == TZV_STATUS_PAPER_NEAR_EMPTY) return true;
+    if (is_ready(code)) return true;
     lost_memory_ = lost_memory_ || code == TZV_STATUS_OFFLINE;
     kernel_.run_for(kLook);
     // Any write makes a lost connection anew, even one of nothing.

@@ -68,15 +68,6 @@ std::string describe_request(unsigned long request) {
 
 }  // namespace
 
-const std::string kProcessIdRequest(
-    "\x1d(H\x06\x00\x30\x30"
-    "FFFF",
-    11);
-const std::string kProcessIdAnswer(
-    "\x37\x22"
-    "FFFF\x00",
-    7);
-
 std::string hex(std::string_view bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;

@@ -246,8 +246,19 @@ class Kernel {
 };
 
 /// The request that a printer answers when all before it is printed, and its answer.
-extern const std::string kProcessIdRequest;
-extern const std::string kProcessIdAnswer;
+inline const std::string kProcessIdRequest(
+    "\x1d(H\x06\x00\x30\x30"
+    "FFFF",
+    11);
+inline const std::string kProcessIdAnswer(
+    "\x37\x22"
+    "FFFF\x00",
+    7);
+
+/// Lets a printer report whatever changes, and two of its reports.
+inline const std::string kEnableReports = "\x1d\x61\xff";
+inline const std::string kHealthy("\x14\x00\x00\x0f", 4);
+inline const std::string kCoverOpen("\x3c\x00\x00\x0f", 4);
 
 /// "1B 40" and so on.
 std::string hex(std::string_view bytes);
