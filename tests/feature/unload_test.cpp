@@ -89,6 +89,9 @@ class Unload : public testing::Test {
   Unload() : library_(dlopen(TZVIO_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
     EXPECT_NE(library_, nullptr) << dlerror();
   }
+  ~Unload() override {
+    if (library_ != nullptr) unload();
+  }
 
   template <typename... Arguments>
   long call(const char* operation, Arguments... arguments) {
@@ -97,7 +100,7 @@ class Unload : public testing::Test {
     return function(kPort, arguments...);
   }
 
-  void unload() { EXPECT_EQ(dlclose(library_), 0); }
+  void unload() { EXPECT_EQ(dlclose(std::exchange(library_, nullptr)), 0); }
 
   static bool is_mapped() {
     std::ifstream maps("/proc/self/maps");

@@ -112,6 +112,17 @@ void Device::answer_everything() {
   answer("\033#SENSOR", std::string("_1\0", 3));
 }
 
+/// How often the query is complete now that the message goes on behind the bytes that were known.
+int Device::times_asked(const Answer& answer, std::size_t known) const {
+  if (!answer.anywhere) return message_ == answer.query ? 1 : 0;
+  int times = 0;
+  for (std::size_t at = 0; (at = message_.find(answer.query, at)) != std::string::npos;) {
+    at += answer.query.size();
+    times += at > known;
+  }
+  return times;
+}
+
 Kernel& Kernel::instance() {
   // Never destroyed: the library's unload hook still makes calls after the program's own end.
   static Kernel& kernel = *new Kernel;
@@ -356,6 +367,14 @@ ssize_t Kernel::send(int descriptor, const void* bytes, std::size_t size, int fl
   return put_out("send", descriptor, {static_cast<const char*>(bytes), size});
 }
 
+void Kernel::give_answer(Device& device, const Device::Answer& answer) {
+  if (answer.delay_ms == 0) {
+    device.input += answer.reply;
+  } else {
+    at(now_ms() + answer.delay_ms, [&device, reply = answer.reply] { device.input += reply; });
+  }
+}
+
 ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view given) {
   const Fault met = take_fault(name);
   const std::string detail = describe_bytes(given);
@@ -374,17 +393,14 @@ ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view 
   const std::string taken{given.substr(0, met.at_most)};
   device.output += taken;
   device.writes.push_back(taken);
+  const std::size_t known = device.message_.size();
   device.message_ += taken;
   // A full packet of USB's may be followed by more of the same message.
   bool complete = !file.path.starts_with("/dev/usb") || taken.size() < 64;
   for (const Device::Answer& answer : device.answers_) {
-    const bool at_end = answer.at_end && device.message_.ends_with(answer.query);
-    if (answer.query != device.message_ && !at_end) continue;
-    complete = true;
-    if (answer.delay_ms == 0) {
-      device.input += answer.reply;
-    } else {
-      at(now_ms() + answer.delay_ms, [&device, reply = answer.reply] { device.input += reply; });
+    for (int times = device.times_asked(answer, known); times > 0; --times) {
+      give_answer(device, answer);
+      complete |= device.message_.ends_with(answer.query);
     }
   }
   if (complete) device.message_.clear();

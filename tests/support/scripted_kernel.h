@@ -90,7 +90,7 @@ class Device {
   /// Answers an open, every query, and the command "x" that tests send; confirms jobs, and stands
   /// ready on its lines.
   void answer_everything();
-  /// Whenever a write ends with a process-ID request, confirms it `delay_ms` later.
+  /// Confirms every process-ID request, wherever in a write it stands, `delay_ms` later.
   void confirm_jobs(int64_t delay_ms = 0);
 
  private:
@@ -98,8 +98,10 @@ class Device {
   struct Answer {
     std::string query, reply;
     int64_t delay_ms;
-    bool at_end;  // of a longer write, too
+    bool anywhere;  // in a longer write, too
   };
+  int times_asked(const Answer& answer, std::size_t known) const;
+
   std::vector<Answer> answers_;
   std::string message_;  // what was written in one go
 };
@@ -201,6 +203,7 @@ class Kernel {
   int add(std::string path, int flags);
   ssize_t take_in(std::string_view name, int descriptor, void* buffer, std::size_t size,
                   bool blocks);
+  void give_answer(Device& device, const Device::Answer& answer);
   ssize_t put_out(std::string_view name, int descriptor, std::string_view given);
   bool readable(int descriptor);
   bool writable(int descriptor);
