@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace testkit {
 
@@ -115,6 +116,7 @@ void Device::answer_everything() {
 /// How often the query is complete now that the message goes on behind the bytes that were known.
 int Device::times_asked(const Answer& answer, std::size_t known) const {
   if (!answer.anywhere) return message_ == answer.query ? 1 : 0;
+  if (message_.starts_with("\033#FRAME")) return 0;
   int times = 0;
   for (std::size_t at = 0; (at = message_.find(answer.query, at)) != std::string::npos;) {
     at += answer.query.size();
@@ -393,9 +395,10 @@ ssize_t Kernel::put_out(std::string_view name, int descriptor, std::string_view 
   const std::string taken{given.substr(0, met.at_most)};
   device.output += taken;
   device.writes.push_back(taken);
+  // A full packet of USB's may be followed at once by more of the same message.
+  if (std::exchange(device.message_us_, now_us_) != now_us_) device.message_.clear();
   const std::size_t known = device.message_.size();
   device.message_ += taken;
-  // A full packet of USB's may be followed by more of the same message.
   bool complete = !file.path.starts_with("/dev/usb") || taken.size() < 64;
   for (const Device::Answer& answer : device.answers_) {
     for (int times = device.times_asked(answer, known); times > 0; --times) {

@@ -90,7 +90,8 @@ class Device {
   /// Answers an open, every query, and the command "x" that tests send; confirms jobs, and stands
   /// ready on its lines.
   void answer_everything();
-  /// Confirms every process-ID request, wherever in a write it stands, `delay_ms` later.
+  /// Confirms every process-ID request, wherever in a write it stands, `delay_ms` later. One in a
+  /// frame it does not: a frame has an answer of its own.
   void confirm_jobs(int64_t delay_ms = 0);
 
  private:
@@ -103,7 +104,8 @@ class Device {
   int times_asked(const Answer& answer, std::size_t known) const;
 
   std::vector<Answer> answers_;
-  std::string message_;  // what was written in one go
+  std::string message_;     // what was written in one go
+  int64_t message_us_ = 0;  // when
 };
 
 class Kernel {
