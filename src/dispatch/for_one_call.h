@@ -13,12 +13,10 @@ struct FreeMemory {
 
 using Bytes = std::unique_ptr<std::uint8_t[], FreeMemory>;
 
-/// Sizes beyond it come from broken files only, and are never there, whatever the machine has.
-inline constexpr std::size_t kLargestBlock = std::numeric_limits<std::int32_t>::max();
-
-/// Null when there is not so much memory.
+/// Null when there is not so much memory. Sizes beyond 31 bits come from broken files only, and
+/// are never there, whatever the machine has.
 inline Bytes allocate(std::size_t size) {
-  if (size > kLargestBlock) return nullptr;
+  if (size > std::numeric_limits<std::int32_t>::max()) return nullptr;
   return Bytes(static_cast<std::uint8_t*>(std::malloc(size)));
 }
 

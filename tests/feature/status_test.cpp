@@ -200,7 +200,7 @@ TEST_P(SensorQuery, decodes_the_second_family) {
 }
 
 TEST_P(SensorQuery, only_the_last_three_bytes_count) {
-  printer.answer(kSensor, "\x14\x00\x00\x0f_1\0"s);
+  printer.answer(kSensor, kHealthy + "_1\0"s);
   EXPECT_EQ(GetPrinterStatus(port), 32);
 }
 

@@ -8,7 +8,7 @@ namespace {
 /// What a monitor has sent, but for the bytes whose number depends on when it looks: the enabling
 /// of reports (GS a 255) and repeated requests.
 std::string timeless(std::string sent) {
-  for (const std::string& repeated : {std::string("\035a\xff"), testkit::kProcessIdRequest}) {
+  for (const std::string& repeated : {testkit::kEnableReports, testkit::kProcessIdRequest}) {
     for (std::size_t at = 0; (at = sent.find(repeated, at)) != std::string::npos;) {
       sent.erase(at, repeated.size());
     }
